@@ -1,0 +1,158 @@
+#include "vek/foundation/MessageCatalogue.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+namespace vek {
+namespace {
+
+struct Message {
+  int32_t number;
+  std::string_view text;
+};
+
+// Sorted by message number. 309 has no entry and 346 repeats 349: the
+// catalogue has always been so and callers rely on its texts as they are.
+constexpr Message kMessages[] = {
+      {1, "Nao informado identificador do registro (chave, código ou PK ...)"},
+      {2, "Registro nao encontrado"},
+      {101, "Exclusão cancelada"},
+      {102, "Você não está autorizado a utilizar esse formulário"},
+      {300, "Código do bairro não foi informado ou é inválido"},
+      {301, "Código do Caixa não foi informado ou é inválido"},
+      {302, "Código da Cidade não foi informada ou é inválida"},
+      {303, "Código da Cidade de destino não foi informada ou é inválida"},
+      {304, "Código da Cidade de origem não foi informada ou é inválida"},
+      {305, "Código do Cliente mensalista não foi informado ou é inválido"},
+      {306, "Código de integração do cliente não foi informado ou é inválido"},
+      {307, "Código de pagamento não foi informado ou é inválido"},
+      {308, "Cor não foi informada ou é inválida"},
+      {310, "Código da empresa usuária do sistema não foi informado ou é inválido"},
+      {311, "CEP não foi informado ou é inválido"},
+      {312, "Horário da linha não foi informado ou é inválido"},
+      {313, "Código da linha não informado ou inválido"},
+      {314, "Código do logradouro não informado ou inválido"},
+      {315, "Código de integração da loja não informado ou inválido"},
+      {316, "Marca e modelo não informado ou inválido"},
+      {317, "Código da pessoa não informado ou inválido"},
+      {318, "Código da empresa de onibus não foi informado ou é inválido"},
+      {319, "Placa não informada ou inválida"},
+      {320, "Código do preço não informado ou inválido"},
+      {321, "Situação do caixa não informada ou inválida"},
+      {322, "Código da tarifa não informado ou inválido"},
+      {323, "Código do ticket do estacionamento não informado ou inválido"},
+      {324, "Tipo da condição de pagamento não informada ou inválida"},
+      {325, "Tipo do endereço não informado ou inválido"},
+      {326, "Tipo do logradouro não informado ou inválido"},
+      {327, "Tipo do onibus não informado ou inválido"},
+      {328, "Tipo da receita não informada ou inválida"},
+      {329, "Título ou patente não informada ou inválida"},
+      {330, "UF não informada ou inválida"},
+      {331, "Código do usuário não informado ou inválido"},
+      {332, "Código da viagem não informado ou inválido"},
+      {333, "Via do recibo não informada ou inválida"},
+      {334, "Descrição da agencia não informada ou inválida"},
+      {335, "Caminho da mensagem de embarque não informado ou inválido"},
+      {336, "Caminho da mensagem de som não informado ou inválido"},
+      {337, "Caminho da mensagem URA não informado ou inválido"},
+      {338, "Centro de custo não informado ou inválido"},
+      {339, "Complemento não informado ou inválido"},
+      {340, "Conta não informada ou inválida"},
+      {341, "E-Mail não informado ou inválido"},
+      {342, "Histórico não informado ou inválido"},
+      {343, "Inscrição estadual não informada ou inválida"},
+      {344, "Lado não informado ou inválido"},
+      {345, "Tarifa não informada ou inválida"},
+      {346, "Data de abertura não informada ou inválida"},
+      {347, "Data de agendamento não informada ou inválida"},
+      {348, "Data de emissão não informada ou inválida"},
+      {349, "Data de abertura não informada ou inválida"},
+      {350, "Data de faturamento não informada ou inválida"},
+      {351, "Data do fechamento diário não foi informada ou é inválida"},
+      {352, "Data de movimento não foi informada ou é inválida"},
+      {353, "Data de sáida não foi informada ou é inválida"},
+      {354, "Data de vencimento não foi informada ou é inválida"},
+      {355, "Horário de abertura não foi informado ou é inválida"},
+      {356, "Horário de chegada não foi informado ou é inválido"},
+      {357, "Horário de chegada na Rodoviário não foi informado ou é inválido"},
+      {358, "Horário previsto para saída de viagem não foi informado ou é inválido"},
+      {359, "Horário de saída não informado ou inválido"},
+      {360, "Horário de saída da Rodoviário não foi informado ou é inválido"},
+      {361, "Abreviação do tipo do logradouro não foi informado ou é inválido"},
+      {362, "Abreviação do título e patente não foi informado ou é inválido"},
+      {363, "Nome do atributo não informado ou inválido"},
+      {364, "Nome do bairro não informado ou inválido"},
+      {365, "Nome da cidade não informado ou inválido"},
+      {366, "Cor não informada ou inválida"},
+      {367, "Nome da empresa de onibus não informada ou inválida"},
+      {368, "Nome do logradouro não informado ou inválido"},
+      {369, "Nome da pessoa não informado ou é inválido"},
+      {370, "Nome do terminal não informado ou inválido"},
+      {371, "Tipo do endereço não informado ou é inválido"},
+      {372, "Tipo do logradouro não informado ou é inválido"},
+      {373, "Tipo da receita não informado ou é inválido"},
+      {374, "Título e patente não informado ou inválido"},
+      {375, "Nome da UF não informado ou inválido"},
+      {376, "Número da apuração de receita não informado ou inválido"},
+      {377, "Número do conta a receber não informado ou é inválido"},
+      {378, "Número de controle de embarque ou desembarque não informado ou inválido"},
+      {379, "Número do faturamento"},
+      {380, "Número final não informado ou inválido"},
+      {381, "Número final do período não informado ou inválido"},
+      {382, "Número de frota não informado ou inválido"},
+      {383, "Número do imóvel não informado ou inválido"},
+      {384, "Número inicial não informado ou inválido"},
+      {385, "Número do inicio do período não informado ou inválido"},
+      {386, "Número da parcela não informado ou inválido"},
+      {387, "Número da plataforma não informado ou é inválido"},
+      {388, "Sequencial não informado ou é inválido"},
+      {389, "Número do controle de embarque e desembarque não foi informado ou é inválido"},
+      {390, "Tipo da apuração de receita não foi informado ou é inválido"},
+      {391, "Tipo da conta a receber não informada ou inválida"},
+      {392, "Tipo de exportação não informado ou inválido"},
+      {393, "Tipo de pessoa não informado ou inválido"},
+      {394, "Número do vencimento não informado ou inválido"},
+      {395, "Quantidade de embarques não informado ou inválido"},
+      {396, "Quantidade de dias para prorrogação não foi informado ou é inválido"},
+      {397, "Distância em KM não foi informada ou é inválida"},
+      {398, "Quantidade de embarques não foi informada ou é inválida"},
+      {399, "Quantidade de tarifas não foi informado ou é inválido"},
+      {400, "Tempo final não informado ou inválido"},
+      {401, "Tempo inicial não informado ou inválido"},
+      {402, "Tempo de permanencia não informado ou inválido"},
+      {403, "Quantidade de vagas não informada ou inválida"},
+      {404, "Sigla da cidade não foi informada ou é inválida"},
+      {405, "Sigla da UF não foi informada ou é inválida"},
+      {406, "Valor da apuração não foi informado ou é inválido"},
+      {407, "Valor do custo não foi informado ou é inválido"},
+      {408, "Valor do custo da passagem não foi informado ou é inválido"},
+      {409, "Valor da conta a receber não foi informado ou é inválido"},
+      {410, "Valor do depósito não foi informado ou é inválido"},
+      {411, "Valor da tarifa não foi informado ou é inválido"},
+      {412, "Número do CPF não foi informado ou é inválido"},
+      {413, "Número do CNPJ não foi informado ou é inválido"},
+      {414, "Marca e Modelo não foi informado ou é inválido"},
+      {415, "Situação não informada ou inválida"},
+      {416, "Horário previsto não foi informado ou é inválido"},
+      {417, "Caminho do arquivo de mensagem de antecedencia não foi informado ou é inválido"},
+      {418, "Caminho do arquivo de mensagem de embarque imediato não foi informado ou é inválido"},
+      {419, "Descrição do tipo do onibus não foi informado ou é inválido"},
+      {420, "A senha criptografada não foi gerada corretamente ou não foi informada"},
+      {421, "Data inicial inválida"},
+      {422, "Data final inválida"},
+      {423, "Convenio do estacionamento não informado ou inválido"},
+};
+
+}  // namespace
+
+std::string MensagemErro(int32_t number) {
+  const int64_t message_number = int64_t{number} - OwnErrorNumber(0);
+  const auto* hit = std::lower_bound(
+      std::begin(kMessages), std::end(kMessages), message_number,
+      [](const Message& message, int64_t number) { return message.number < number; });
+  if (hit == std::end(kMessages) || hit->number != message_number) return "Erro nao definido";
+  return std::string(hit->text);
+}
+
+}  // namespace vek

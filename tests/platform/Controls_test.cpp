@@ -1,0 +1,133 @@
+#include "vek/platform/Controls.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "vek/foundation/VekError.h"
+
+namespace vek {
+namespace {
+
+template <typename Call>
+int32_t ErrorNumberOf(Call&& call) {
+  try {
+    call();
+  } catch (const VekError& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(ListComboBoxTest, EntriesCarryTextAndItemDataByIndex) {
+  ListComboBox list;
+  ComboBox& combo = list;
+  EXPECT_EQ(combo.NewIndex(), -1);
+  EXPECT_EQ(combo.ListCount(), 0);
+
+  // The way a loader fills it: a heading entry, then one entry per row.
+  combo.AddItem("--ESCOLHA-->");
+  combo.ItemData(combo.NewIndex(), 0);
+  combo.AddItem("Centro");
+  combo.ItemData(combo.NewIndex(), 17);
+  combo.AddItem("São José");
+  EXPECT_EQ(combo.NewIndex(), 2);
+  combo.ItemData(combo.NewIndex(), -5);
+
+  EXPECT_EQ(combo.ListCount(), 3);
+  EXPECT_EQ(combo.List(0), "--ESCOLHA-->");
+  EXPECT_EQ(combo.List(2), "São José");
+  EXPECT_EQ(combo.ItemData(1), 17);
+  EXPECT_EQ(combo.ItemData(2), -5);
+
+  combo.AddItem("Sem dado");
+  EXPECT_EQ(combo.ItemData(3), 0);
+
+  for (int32_t bad : {-1, 4, 1000}) {
+    EXPECT_EQ(ErrorNumberOf([&] { combo.ItemData(bad); }), 381) << bad;
+    EXPECT_EQ(ErrorNumberOf([&] { combo.ItemData(bad, 1); }), 381) << bad;
+    EXPECT_EQ(ErrorNumberOf([&] { combo.List(bad); }), 381) << bad;
+  }
+  try {
+    combo.List(4);
+  } catch (const VekError& error) {
+    EXPECT_EQ(error.Description(), "Invalid property array index");
+  }
+
+  combo.Clear();
+  EXPECT_EQ(combo.ListCount(), 0);
+  EXPECT_EQ(combo.NewIndex(), -1);
+  EXPECT_EQ(ErrorNumberOf([&] { combo.List(0); }), 381);
+}
+
+TEST(ListGridTest, RowsCountTheHeaderRowAndFollowTheLines) {
+  ListGrid grid;
+  FlexGrid& flex = grid;
+  EXPECT_EQ(flex.Rows(), 1);
+  EXPECT_TRUE(grid.Lines().empty());
+
+  flex.FormatString("^Código|<Nome|<Cidade");
+  flex.ColWidth(0, 300);
+  flex.ColWidth(2, 2500);
+  flex.AddItem("\t1\tCentro\tBrasília");
+  flex.AddItem("\t2\tAsa Sul\tBrasília");
+  EXPECT_EQ(flex.Rows(), 3);
+  ASSERT_EQ(grid.Lines().size(), 2u);
+  EXPECT_EQ(grid.Lines()[1], "\t2\tAsa Sul\tBrasília");
+  EXPECT_EQ(flex.FormatString(), "^Código|<Nome|<Cidade");
+  EXPECT_EQ(flex.ColWidth(2), 2500);
+  EXPECT_EQ(flex.ColWidth(1), -1);
+  EXPECT_EQ(grid.ColWidths().size(), 2u);
+
+  flex.Rows(2);
+  ASSERT_EQ(grid.Lines().size(), 1u);
+  EXPECT_EQ(grid.Lines()[0], "\t1\tCentro\tBrasília");
+  flex.Rows(4);
+  EXPECT_EQ(grid.Lines().size(), 3u);
+  EXPECT_EQ(grid.Lines()[2], "");
+  flex.AddItem("\t9");
+  EXPECT_EQ(flex.Rows(), 5);
+  EXPECT_EQ(grid.Lines().back(), "\t9");
+
+  EXPECT_EQ(ErrorNumberOf([&] { flex.Rows(0); }), 380);
+  EXPECT_EQ(flex.Rows(), 5);
+
+  flex.Clear();
+  EXPECT_EQ(flex.Rows(), 1);
+  EXPECT_TRUE(grid.Lines().empty());
+  EXPECT_EQ(flex.FormatString(), "^Código|<Nome|<Cidade");
+
+  // Width for every column replaces the single ones.
+  flex.ColWidth(-1, 1000);
+  EXPECT_EQ(flex.ColWidth(0), 1000);
+  EXPECT_EQ(flex.ColWidth(2), 1000);
+  flex.ColWidth(1, 50);
+  EXPECT_EQ(flex.ColWidth(1), 50);
+  EXPECT_EQ(flex.ColWidth(3), 1000);
+  EXPECT_EQ(ErrorNumberOf([&] { flex.ColWidth(-2, 1); }), 381);
+  EXPECT_EQ(ErrorNumberOf([&] { flex.ColWidth(-2); }), 381);
+}
+
+TEST(SilentControlsTest, RememberWhatTheyAreTold) {
+  TextBox box("0");
+  TextControl& count = box;
+  count.Text("1.200.000");
+  EXPECT_EQ(box.Text(), "1.200.000");
+
+  SilentProgress silent;
+  ProgressWindow& progress = silent;
+  EXPECT_FALSE(progress.Visible());
+  progress.Caption("Backup automático");
+  progress.Label("Iniciando backup");
+  progress.Show();
+  progress.Percentage(12.5);
+  EXPECT_TRUE(progress.Visible());
+  EXPECT_EQ(progress.Caption(), "Backup automático");
+  EXPECT_EQ(progress.Label(), "Iniciando backup");
+  EXPECT_DOUBLE_EQ(progress.Percentage(), 12.5);
+  progress.Close();
+  EXPECT_FALSE(progress.Visible());
+}
+
+}  // namespace
+}  // namespace vek
