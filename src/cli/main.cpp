@@ -6,38 +6,31 @@
 #include <cstdio>
 #include <iostream>
 
+#include "cli/Commands.h"
 #include "vek/vek.h"
-
-namespace {
-
-int ReportError(const vek::VekError& error) {
-  std::cerr << "vek: " << error.Description() << " (error " << error.Number();
-  if (!error.Source().empty()) std::cerr << ", source:" << error.Source();
-  std::cerr << ")\n";
-  return 1;
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
   CLI::App app{"vek - data-persistence layer of the bus-terminal administration suite", "vek"};
   app.set_version_flag("-V,--version", std::string("vek ") + vek::kVersion);
   app.require_subcommand(0, 1);
+  vek::cli::AddSqlCommand(app);
 
   try {
     app.parse(argc, argv);
+    if (app.get_subcommands().empty()) std::cout << app.help();
+    return 0;
   } catch (const CLI::ParseError& e) {
     const int code = app.exit(e);
     return code == 0 ? 0 : 2;
-  }
-
-  try {
-    if (app.get_subcommands().empty()) {
-      std::cout << app.help();
-    }
-    return 0;
   } catch (const vek::VekError& error) {
-    return ReportError(error);
+    char number[16];
+    // Object and database errors read best in hexadecimal (0x80040E14).
+    std::snprintf(number, sizeof number, error.Number() < 0 ? "0x%08X" : "%d",
+                  static_cast<unsigned>(error.Number()));
+    std::cerr << "vek: " << error.Description() << " (error " << number;
+    if (!error.Source().empty()) std::cerr << ", source: " << error.Source();
+    std::cerr << ")\n";
+    return 1;
   } catch (const std::exception& error) {
     std::cerr << "vek: " << error.what() << "\n";
     return 1;

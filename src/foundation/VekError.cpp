@@ -28,6 +28,7 @@ std::string RuntimeErrorText(int32_t number) {
     case kFileNotFound: return "File not found";
     case kPathFileAccessError: return "Path/File access error";
     case kPathNotFound: return "Path not found";
+    case kObjectVariableNotSet: return "Object variable or With block variable not set";
     case kInvalidUseOfNull: return "Invalid use of Null";
     case kInvalidPropertyValue: return "Invalid property value";
     case kInvalidPropertyArrayIndex: return "Invalid property array index";

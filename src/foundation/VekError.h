@@ -46,6 +46,7 @@ enum RuntimeError : int32_t {
   kFileNotFound = 53,
   kPathFileAccessError = 75,
   kPathNotFound = 76,
+  kObjectVariableNotSet = 91,
   kInvalidUseOfNull = 94,
   kInvalidPropertyValue = 380,
   kInvalidPropertyArrayIndex = 381,

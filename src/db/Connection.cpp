@@ -1,0 +1,118 @@
+#include "vek/db/Connection.h"
+
+#include "vek/db/DbError.h"
+#include "vek/db/Recordset.h"
+#include "vek/db/dialect/SqliteTranslator.h"
+#include "vek/db/dialect/Statements.h"
+#include "vek/foundation/VekError.h"
+#include "vek/platform/Clock.h"
+#include "vek/platform/Text.h"
+
+namespace vek {
+namespace {
+
+// Translations are kept per connection: the system runs the same few hundred
+// statement texts over and over.
+constexpr size_t kMaxCachedTranslations = 2048;
+
+}  // namespace
+
+Connection::Connection() : clock_(std::make_shared<SystemClock>()) {}
+
+Connection::~Connection() { Close(); }
+
+void Connection::Open(const std::string& connection_string) {
+  if (driver_) RaiseAdoError(adErrObjectOpen, "ADODB.Connection");
+  if (!connection_string.empty()) connection_string_ = connection_string;
+  driver_ = OpenDriver(connection_string_, [this] { return GetClock()->Now(); });
+  translations_.clear();
+}
+
+void Connection::Close() noexcept {
+  if (driver_) {
+    driver_->Close();
+    driver_.reset();
+  }
+}
+
+Dialect Connection::SqlDialect() const {
+  return driver_ ? driver_->SqlDialect() : Dialect::SqlServer;
+}
+
+std::shared_ptr<Recordset> Connection::Execute(const std::string& text) {
+  int32_t ignored = 0;
+  return Execute(text, ignored);
+}
+
+std::shared_ptr<Recordset> Connection::Execute(const std::string& text, int32_t& records_affected,
+                                               int32_t /*options*/) {
+  QueryResult result = RunStatement(text);
+  records_affected = static_cast<int32_t>(result.records_affected);
+  auto recordset = std::make_shared<Recordset>();
+  if (result.returns_rows) recordset->Attach(std::move(result), shared_from_this());
+  return recordset;
+}
+
+void Connection::OnStatement(StatementHook hook) { hook_ = std::move(hook); }
+
+void Connection::SetClock(std::shared_ptr<Clock> clock) {
+  std::lock_guard lock(clock_mutex_);
+  clock_ = clock ? std::move(clock) : std::make_shared<SystemClock>();
+}
+
+std::shared_ptr<Clock> Connection::GetClock() const {
+  std::lock_guard lock(clock_mutex_);
+  return clock_;
+}
+
+void Connection::RegisterProcedure(const std::string& name, Procedure procedure) {
+  procedures_[FoldCase(name)] = std::move(procedure);
+}
+
+const Connection::Procedure* Connection::FindProcedure(const std::string& name) const {
+  const auto hit = procedures_.find(FoldCase(name));
+  return hit == procedures_.end() ? nullptr : &hit->second;
+}
+
+void Connection::NotifyStatement(const std::string& text) {
+  if (hook_) hook_(text);
+}
+
+Driver& Connection::OpenDriverOrRaise(const char* object) {
+  if (!driver_) RaiseAdoError(adErrObjectClosed, object);
+  return *driver_;
+}
+
+const std::string& Connection::Translate(const std::string& text) {
+  if (auto hit = translations_.find(text); hit != translations_.end()) return hit->second;
+  // Only text that passed the guard is cached, so a cached text skips it.
+  if (dialect::HoldsMoreThanOneStatement(text)) {
+    RaiseDbError(adErrSyntax, "vek",
+                 "Only one statement may be run per call; the text holds more than one.");
+  }
+  std::string translated;
+  switch (driver_->SqlDialect()) {
+    case Dialect::SQLite: translated = dialect::TranslateToSqlite(text); break;
+    case Dialect::SqlServer: translated = text; break;
+    case Dialect::PostgreSQL:
+      RaiseDbError(adErrFeatureNotAvailable, "vek", "PostgreSQL statements are not translated yet");
+  }
+  if (translations_.size() >= kMaxCachedTranslations) translations_.clear();
+  return translations_.emplace(text, std::move(translated)).first->second;
+}
+
+QueryResult Connection::RunStatement(const std::string& text, std::span<const Variant> parameters) {
+  Driver& driver = OpenDriverOrRaise("ADODB.Connection");
+  NotifyStatement(text);
+  return driver.Run(Translate(text), parameters);
+}
+
+std::optional<int64_t> Connection::InsertRow(const RowWrite& row) {
+  return OpenDriverOrRaise("ADODB.Recordset").Insert(row);
+}
+
+int64_t Connection::UpdateRow(const RowWrite& row) {
+  return OpenDriverOrRaise("ADODB.Recordset").Update(row);
+}
+
+}  // namespace vek

@@ -1,0 +1,91 @@
+#pragma once
+// A connection to the terminal's database, with the members and semantics of
+// the classic data-access Connection. Every statement of every object passes
+// through one choke point here: the statement hook sees the text exactly as
+// built, text holding more than one statement is refused before anything
+// runs, and the text is translated for the connection's dialect and run.
+//
+// Connection strings: "Driver=SQLite3;Database=<file or :memory:>" (a bare
+// path or ":memory:" is read the same way).
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <unordered_map>
+
+#include "vek/db/Driver.h"
+#include "vek/db/Enums.h"
+
+namespace vek {
+
+class Clock;
+class Parameters;
+class Recordset;
+
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  // A stored procedure written in C++: reads its input parameters and sets
+  // its output parameters; it may run statements on the connection.
+  using Procedure = std::function<void(Connection& connection, Parameters& parameters)>;
+  using StatementHook = std::function<void(const std::string& text)>;
+
+  Connection();
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // Opens the given string, or ConnectionString() when empty. Raises 3705 when
+  // already open and the driver's error when the database can't be opened.
+  void Open(const std::string& connection_string = "");
+  // Closes the connection; closing a closed connection does nothing.
+  void Close() noexcept;
+  int32_t State() const { return driver_ ? adStateOpen : adStateClosed; }
+
+  const std::string& ConnectionString() const { return connection_string_; }
+  void ConnectionString(std::string text) { connection_string_ = std::move(text); }
+  Dialect SqlDialect() const;
+
+  // Runs one statement. Row-returning text gives an open, read-only record
+  // set; other text gives a closed one. records_affected receives the rows
+  // that an INSERT, UPDATE or DELETE touched (-1 for a query).
+  std::shared_ptr<Recordset> Execute(const std::string& text);
+  std::shared_ptr<Recordset> Execute(const std::string& text, int32_t& records_affected,
+                                     int32_t options = adOptionUnspecified);
+
+  // Every statement's text, exactly as built, before it runs. An empty hook
+  // removes the current one.
+  void OnStatement(StatementHook hook);
+
+  // The clock that the database's getdate() reads (the system clock unless set).
+  void SetClock(std::shared_ptr<Clock> clock);
+  std::shared_ptr<Clock> GetClock() const;
+
+  // Stored procedures, looked up by name in any case.
+  void RegisterProcedure(const std::string& name, Procedure procedure);
+  const Procedure* FindProcedure(const std::string& name) const;
+
+  // The choke point (used by Recordset and Command as well).
+  QueryResult RunStatement(const std::string& text, std::span<const Variant> parameters = {});
+  // Writes a row back through the driver; raises 3704 when closed.
+  std::optional<int64_t> InsertRow(const RowWrite& row);
+  int64_t UpdateRow(const RowWrite& row);
+  // Hands the text to the hook, without running it (stored-procedure calls).
+  void NotifyStatement(const std::string& text);
+
+ private:
+  Driver& OpenDriverOrRaise(const char* object);
+  const std::string& Translate(const std::string& text);
+
+  std::string connection_string_;
+  std::unique_ptr<Driver> driver_;
+  StatementHook hook_;
+  mutable std::mutex clock_mutex_;
+  std::shared_ptr<Clock> clock_;
+  std::unordered_map<std::string, Procedure> procedures_;  // by folded name
+  std::unordered_map<std::string, std::string> translations_;
+};
+
+}  // namespace vek

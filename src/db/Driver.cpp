@@ -1,0 +1,62 @@
+#include "vek/db/Driver.h"
+
+#include <map>
+
+#include "vek/db/DbError.h"
+#include "vek/db/sqlite/SqliteDriver.h"
+#include "vek/platform/Text.h"
+
+namespace vek {
+namespace {
+
+// "Key=Value;Key=Value" with keys in any case; a text without "=" is a path.
+std::map<std::string, std::string> ParseConnectionString(const std::string& text) {
+  std::map<std::string, std::string> parts;
+  if (text.find('=') == std::string::npos) {
+    parts["database"] = Trim(text);
+    return parts;
+  }
+  size_t pos = 0;
+  while (pos <= text.size()) {
+    size_t end = text.find(';', pos);
+    if (end == std::string::npos) end = text.size();
+    const std::string_view part(text.data() + pos, end - pos);
+    const size_t equals = part.find('=');
+    if (equals != std::string_view::npos) {
+      std::string value = Trim(part.substr(equals + 1));
+      if (value.size() >= 2 && value.front() == '{' && value.back() == '}') {
+        value = value.substr(1, value.size() - 2);
+      }
+      parts[FoldCase(Trim(part.substr(0, equals)))] = value;
+    }
+    pos = end + 1;
+  }
+  return parts;
+}
+
+std::string FirstOf(const std::map<std::string, std::string>& parts,
+                    std::initializer_list<const char*> keys) {
+  for (const char* key : keys) {
+    if (auto hit = parts.find(key); hit != parts.end()) return hit->second;
+  }
+  return std::string();
+}
+
+}  // namespace
+
+std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::function<Date()> now) {
+  const auto parts = ParseConnectionString(connection_string);
+  const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));
+  const std::string database = FirstOf(parts, {"database", "data source", "dbq"});
+  if (driver.empty() || driver.find("sqlite") != std::string::npos) {
+    if (database.empty()) {
+      RaiseDbError(adErrUnspecified, "vek",
+                   "The connection string names no database file (Database=...).");
+    }
+    return OpenSqliteDriver(database, std::move(now));
+  }
+  RaiseDbError(adErrUnspecified, "vek",
+               "Data source name not found and no default driver specified: " + connection_string);
+}
+
+}  // namespace vek

@@ -1,0 +1,75 @@
+#pragma once
+// The boundary between the data-access objects and a database engine. The
+// objects (Connection, Recordset, Command) hold everything ADO-like; a driver
+// only runs text in its own dialect and writes rows back. Drivers are
+// internal: the public headers never name an engine's API.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "vek/db/Enums.h"
+#include "vek/platform/Variant.h"
+
+namespace vek {
+
+class Clock;
+
+// What a driver knows of one column of a result.
+struct ColumnInfo {
+  std::string name;
+  DataTypeEnum type = adVarChar;
+  int32_t defined_size = 0;
+  std::string base_database;  // empty for expressions
+  std::string base_table;
+  std::string base_column;
+  bool is_key = false;
+  bool is_autoincrement = false;
+};
+
+using Row = std::vector<Variant>;
+
+struct QueryResult {
+  bool returns_rows = false;
+  std::vector<ColumnInfo> columns;
+  std::vector<Row> rows;
+  int64_t records_affected = -1;
+};
+
+// One row to write back into a base table.
+struct RowWrite {
+  std::string database;
+  std::string table;
+  std::vector<std::string> columns;  // the columns to set
+  std::vector<Variant> values;
+  std::vector<std::string> key_columns;  // UPDATE only: the row's key
+  std::vector<Variant> key_values;       // the key as it was read
+  std::string identity_column;           // INSERT only: the column to read back
+};
+
+class Driver {
+ public:
+  virtual ~Driver() = default;
+
+  virtual Dialect SqlDialect() const = 0;
+  // Runs one statement already in the driver's dialect, with positional
+  // parameters. Raises VekError with the database's message.
+  virtual QueryResult Run(const std::string& text, std::span<const Variant> parameters) = 0;
+  // Inserts; returns the identity value when identity_column is set.
+  virtual std::optional<int64_t> Insert(const RowWrite& row) = 0;
+  // Updates the row with the given key; returns the rows affected.
+  virtual int64_t Update(const RowWrite& row) = 0;
+  // Releases the engine's handles; never throws.
+  virtual void Close() noexcept = 0;
+};
+
+// Opens a driver from a connection string; raises VekError when it can't.
+// `now` is the clock of the connection's owner (the server's "now").
+std::unique_ptr<Driver> OpenDriver(const std::string& connection_string,
+                                   std::function<Date()> now);
+
+}  // namespace vek

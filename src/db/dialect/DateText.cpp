@@ -1,0 +1,369 @@
+#include "vek/db/dialect/DateText.h"
+
+namespace vek::dialect {
+namespace {
+
+bool IsLeapYear(int64_t year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+
+// Days from 1970-01-01; exact for any proleptic Gregorian date.
+constexpr int64_t DaysFromCivil(int64_t year, int64_t month, int64_t day) {
+  year -= month <= 2 ? 1 : 0;
+  const int64_t era = (year >= 0 ? year : year - 399) / 400;
+  const int64_t year_of_era = year - era * 400;
+  const int64_t day_of_year = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  const int64_t day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
+  return era * 146097 + day_of_era - 719468;
+}
+
+constexpr int64_t kDayOfYearOne = DaysFromCivil(1, 1, 1);
+
+class Reader {
+ public:
+  explicit Reader(std::string_view text) : text_(text) {}
+  bool AtEnd() const { return pos_ >= text_.size(); }
+  char Peek() const { return AtEnd() ? '\0' : text_[pos_]; }
+  bool Take(char c) {
+    if (Peek() != c) return false;
+    ++pos_;
+    return true;
+  }
+  size_t SkipSpaces() {
+    size_t count = 0;
+    while (Peek() == ' ') {
+      ++pos_;
+      ++count;
+    }
+    return count;
+  }
+  // Between min_digits and max_digits decimal digits.
+  std::optional<int32_t> Number(size_t min_digits, size_t max_digits) {
+    int32_t value = 0;
+    size_t count = 0;
+    while (count < max_digits && Peek() >= '0' && Peek() <= '9') {
+      value = value * 10 + (Peek() - '0');
+      ++pos_;
+      ++count;
+    }
+    if (count < min_digits) return std::nullopt;
+    return value;
+  }
+
+ private:
+  std::string_view text_;
+  size_t pos_ = 0;
+};
+
+bool ReadTime(Reader& reader, DateTimeParts& parts) {
+  const auto hour = reader.Number(1, 2);
+  if (!hour || !reader.Take(':')) return false;
+  const auto minute = reader.Number(1, 2);
+  if (!minute) return false;
+  parts.hour = *hour;
+  parts.minute = *minute;
+  if (reader.Take(':')) {
+    const auto second = reader.Number(1, 2);
+    if (!second) return false;
+    parts.second = *second;
+    if (reader.Take('.')) {
+      // Digits beyond the millisecond are dropped.
+      int32_t scale = 100;
+      size_t digits = 0;
+      while (reader.Peek() >= '0' && reader.Peek() <= '9') {
+        if (scale > 0) parts.millisecond += (reader.Peek() - '0') * scale;
+        scale /= 10;
+        reader.Take(reader.Peek());
+        ++digits;
+      }
+      if (digits == 0) return false;
+    }
+  }
+  return parts.hour <= 23 && parts.minute <= 59 && parts.second <= 59;
+}
+
+bool ValidDate(const DateTimeParts& parts) {
+  return parts.year >= 1 && parts.year <= 9999 && parts.month >= 1 && parts.month <= 12 &&
+         parts.day >= 1 && parts.day <= DaysInMonth(parts.year, parts.month);
+}
+
+void AppendPadded(std::string& out, int64_t value, int width) {
+  char digits[24];
+  int count = 0;
+  do {
+    digits[count++] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value > 0);
+  for (int i = count; i < width; ++i) out.push_back('0');
+  while (count > 0) out.push_back(digits[--count]);
+}
+
+}  // namespace
+
+int32_t DaysInMonth(int32_t year, int32_t month) {
+  static constexpr int32_t kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (month < 1 || month > 12) return 0;
+  if (month == 2 && IsLeapYear(year)) return 29;
+  return kDays[month - 1];
+}
+
+int64_t DayNumber(int32_t year, int32_t month, int32_t day) {
+  return DaysFromCivil(year, month, day) - kDayOfYearOne;
+}
+
+int64_t MomentOf(const DateTimeParts& parts) {
+  return DayNumber(parts.year, parts.month, parts.day) * kMillisecondsPerDay +
+         ((int64_t{parts.hour} * 60 + parts.minute) * 60 + parts.second) * 1000 + parts.millisecond;
+}
+
+std::optional<DateTimeParts> PartsOf(int64_t moment) {
+  if (moment < 0) return std::nullopt;
+  const int64_t days = moment / kMillisecondsPerDay;
+  int64_t ms = moment % kMillisecondsPerDay;
+  // Civil date from days since 1970 (the inverse of DaysFromCivil).
+  const int64_t z = days + kDayOfYearOne + 719468;
+  const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+  const int64_t day_of_era = z - era * 146097;
+  const int64_t year_of_era =
+      (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
+  const int64_t day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
+  const int64_t shifted_month = (5 * day_of_year + 2) / 153;
+  const int64_t day = day_of_year - (153 * shifted_month + 2) / 5 + 1;
+  const int64_t month = shifted_month < 10 ? shifted_month + 3 : shifted_month - 9;
+  const int64_t year = year_of_era + era * 400 + (month <= 2 ? 1 : 0);
+  if (year < 1 || year > 9999) return std::nullopt;
+  DateTimeParts parts;
+  parts.year = static_cast<int32_t>(year);
+  parts.month = static_cast<int32_t>(month);
+  parts.day = static_cast<int32_t>(day);
+  parts.millisecond = static_cast<int32_t>(ms % 1000);
+  ms /= 1000;
+  parts.second = static_cast<int32_t>(ms % 60);
+  ms /= 60;
+  parts.minute = static_cast<int32_t>(ms % 60);
+  parts.hour = static_cast<int32_t>(ms / 60);
+  return parts;
+}
+
+std::optional<DateTimeParts> ParseDateText(std::string_view text, bool accept_time_only) {
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+  const size_t first_separator = text.find_first_not_of("0123456789");
+  if (first_separator == std::string_view::npos || first_separator == 0) return std::nullopt;
+
+  Reader reader(text);
+  DateTimeParts parts;
+  const char separator = text[first_separator];
+  if (separator == ':') {
+    if (!accept_time_only) return std::nullopt;
+    parts.year = 1900;
+    if (!ReadTime(reader, parts) || !reader.AtEnd()) return std::nullopt;
+    return parts;
+  }
+  bool iso = false;
+  if (separator == '-') {
+    iso = true;
+    const auto y = reader.Number(4, 4);
+    if (!y || !reader.Take('-')) return std::nullopt;
+    const auto m = reader.Number(1, 2);
+    if (!m || !reader.Take('-')) return std::nullopt;
+    const auto d = reader.Number(1, 2);
+    if (!d) return std::nullopt;
+    parts.year = *y;
+    parts.month = *m;
+    parts.day = *d;
+  } else if (separator == '/') {
+    const auto d = reader.Number(1, 2);
+    if (!d || !reader.Take('/')) return std::nullopt;
+    const auto m = reader.Number(1, 2);
+    if (!m || !reader.Take('/')) return std::nullopt;
+    const auto y = reader.Number(4, 4);
+    if (!y) return std::nullopt;
+    parts.year = *y;
+    parts.month = *m;
+    parts.day = *d;
+  } else {
+    return std::nullopt;
+  }
+  if (!ValidDate(parts)) return std::nullopt;
+  if (reader.AtEnd()) return parts;
+  const bool spaced = reader.SkipSpaces() > 0;
+  if (!spaced && !(iso && reader.Take('T'))) return std::nullopt;
+  if (!ReadTime(reader, parts) || !reader.AtEnd()) return std::nullopt;
+  return parts;
+}
+
+std::string FormatCanonical(const DateTimeParts& parts) {
+  std::string out;
+  out.reserve(23);
+  AppendPadded(out, parts.year, 4);
+  out.push_back('-');
+  AppendPadded(out, parts.month, 2);
+  out.push_back('-');
+  AppendPadded(out, parts.day, 2);
+  out.push_back(' ');
+  AppendPadded(out, parts.hour, 2);
+  out.push_back(':');
+  AppendPadded(out, parts.minute, 2);
+  out.push_back(':');
+  AppendPadded(out, parts.second, 2);
+  if (parts.millisecond != 0) {
+    out.push_back('.');
+    AppendPadded(out, parts.millisecond, 3);
+  }
+  return out;
+}
+
+std::optional<DatePart> ParseDatePart(std::string_view name) {
+  struct Entry {
+    std::string_view name;
+    DatePart part;
+  };
+  static constexpr Entry kEntries[] = {
+      {"year", DatePart::Year},           {"yy", DatePart::Year},          {"yyyy", DatePart::Year},
+      {"quarter", DatePart::Quarter},     {"qq", DatePart::Quarter},       {"q", DatePart::Quarter},
+      {"month", DatePart::Month},         {"mm", DatePart::Month},         {"m", DatePart::Month},
+      {"dayofyear", DatePart::DayOfYear}, {"dy", DatePart::DayOfYear},     {"y", DatePart::DayOfYear},
+      {"day", DatePart::Day},             {"dd", DatePart::Day},           {"d", DatePart::Day},
+      {"week", DatePart::Week},           {"wk", DatePart::Week},          {"ww", DatePart::Week},
+      {"weekday", DatePart::Weekday},     {"dw", DatePart::Weekday},       {"w", DatePart::Weekday},
+      {"hour", DatePart::Hour},           {"hh", DatePart::Hour},          {"minute", DatePart::Minute},
+      {"mi", DatePart::Minute},           {"n", DatePart::Minute},         {"second", DatePart::Second},
+      {"ss", DatePart::Second},           {"s", DatePart::Second},         {"millisecond", DatePart::Millisecond},
+      {"ms", DatePart::Millisecond},
+  };
+  for (const Entry& entry : kEntries) {
+    if (entry.name.size() != name.size()) continue;
+    bool same = true;
+    for (size_t i = 0; i < name.size() && same; ++i) {
+      char c = name[i];
+      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+      same = c == entry.name[i];
+    }
+    if (same) return entry.part;
+  }
+  return std::nullopt;
+}
+
+std::string_view DatePartName(DatePart part) {
+  switch (part) {
+    case DatePart::Year: return "year";
+    case DatePart::Quarter: return "quarter";
+    case DatePart::Month: return "month";
+    case DatePart::DayOfYear: return "dayofyear";
+    case DatePart::Day: return "day";
+    case DatePart::Week: return "week";
+    case DatePart::Weekday: return "weekday";
+    case DatePart::Hour: return "hour";
+    case DatePart::Minute: return "minute";
+    case DatePart::Second: return "second";
+    case DatePart::Millisecond: return "millisecond";
+  }
+  return "day";
+}
+
+bool IsSupportedDateStyle(int64_t style) {
+  switch (style) {
+    case 0: case 100: case 1: case 101: case 3: case 103: case 4: case 104: case 5: case 105:
+    case 8: case 108: case 12: case 112: case 20: case 120: case 21: case 121: case 23: case 126:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::string FormatDateStyle(const DateTimeParts& parts, int64_t style) {
+  std::string out;
+  const bool full_year = style >= 100 || style == 20 || style == 21 || style == 23;
+  const auto year = [&] {
+    if (full_year) {
+      AppendPadded(out, parts.year, 4);
+    } else {
+      AppendPadded(out, parts.year % 100, 2);
+    }
+  };
+  const auto time = [&] {
+    AppendPadded(out, parts.hour, 2);
+    out.push_back(':');
+    AppendPadded(out, parts.minute, 2);
+    out.push_back(':');
+    AppendPadded(out, parts.second, 2);
+  };
+  const auto day_month_year = [&](char separator) {
+    AppendPadded(out, parts.day, 2);
+    out.push_back(separator);
+    AppendPadded(out, parts.month, 2);
+    out.push_back(separator);
+    year();
+  };
+  switch (style) {
+    case 0:
+    case 100: {
+      static constexpr std::string_view kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                     "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+      out.append(kMonths[parts.month - 1]);
+      out.push_back(' ');
+      if (parts.day < 10) out.push_back(' ');
+      AppendPadded(out, parts.day, 1);
+      out.push_back(' ');
+      AppendPadded(out, parts.year, 4);
+      out.push_back(' ');
+      const int32_t hour12 = parts.hour % 12 == 0 ? 12 : parts.hour % 12;
+      if (hour12 < 10) out.push_back(' ');
+      AppendPadded(out, hour12, 1);
+      out.push_back(':');
+      AppendPadded(out, parts.minute, 2);
+      out.append(parts.hour < 12 ? "AM" : "PM");
+      return out;
+    }
+    case 1:
+    case 101:
+      AppendPadded(out, parts.month, 2);
+      out.push_back('/');
+      AppendPadded(out, parts.day, 2);
+      out.push_back('/');
+      year();
+      return out;
+    case 3:
+    case 103: day_month_year('/'); return out;
+    case 4:
+    case 104: day_month_year('.'); return out;
+    case 5:
+    case 105: day_month_year('-'); return out;
+    case 8:
+    case 108: time(); return out;
+    case 12:
+    case 112:
+      year();
+      AppendPadded(out, parts.month, 2);
+      AppendPadded(out, parts.day, 2);
+      return out;
+    case 23:
+      AppendPadded(out, parts.year, 4);
+      out.push_back('-');
+      AppendPadded(out, parts.month, 2);
+      out.push_back('-');
+      AppendPadded(out, parts.day, 2);
+      return out;
+    case 20:
+    case 120:
+    case 21:
+    case 121:
+    case 126: {
+      AppendPadded(out, parts.year, 4);
+      out.push_back('-');
+      AppendPadded(out, parts.month, 2);
+      out.push_back('-');
+      AppendPadded(out, parts.day, 2);
+      out.push_back(style == 126 ? 'T' : ' ');
+      time();
+      if (style == 21 || style == 121 || (style == 126 && parts.millisecond != 0)) {
+        out.push_back('.');
+        AppendPadded(out, parts.millisecond, 3);
+      }
+      return out;
+    }
+    default:
+      return FormatCanonical(parts);
+  }
+}
+
+}  // namespace vek::dialect

@@ -1,0 +1,1469 @@
+#include "vek/db/dialect/SqliteTranslator.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "vek/db/dialect/DateText.h"
+#include "vek/db/dialect/Tokenizer.h"
+
+namespace vek::dialect {
+namespace {
+
+constexpr size_t kNone = static_cast<size_t>(-1);
+
+// sys.databases as SQLite can answer it.
+constexpr std::string_view kSysDatabases =
+    "(SELECT vek_database_name(name, file) COLLATE SQLSERVER_CI_AS AS name, seq + 1 AS database_id, "
+    "NULL AS create_date FROM pragma_database_list WHERE name <> 'temp')";
+
+
+// Statements that have no SQLite form at all.
+constexpr auto kProceduralStatements = std::to_array<std::string_view>({
+    "BACKUP", "BULK", "CHECKPOINT", "CLOSE",  "DBCC",  "DEALLOCATE", "DECLARE", "DENY",
+    "EXEC",   "EXECUTE", "FETCH",   "GO",     "GRANT", "IF",         "KILL",    "MERGE",
+    "OPEN",   "PRINT",   "RAISERROR", "RESTORE", "RETURN", "REVOKE", "SET",     "WAITFOR",
+});
+
+enum class Kw : uint8_t {
+  None,
+  All,
+  As,
+  Begin,
+  Case,
+  Commit,
+  Create,
+  Delete,
+  Distinct,
+  Else,
+  End,
+  Except,
+  Exec,
+  Execute,
+  For,
+  From,
+  Group,
+  Having,
+  Identity,
+  Insert,
+  Intersect,
+  Into,
+  Join,
+  Left,
+  Max,
+  Null,
+  Option,
+  Order,
+  Percent,
+  Right,
+  Rollback,
+  Select,
+  Set,
+  Table,
+  Then,
+  Ties,
+  Top,
+  Tran,
+  Transaction,
+  Truncate,
+  Union,
+  Update,
+  When,
+  Where,
+  With,
+};
+
+struct KeywordEntry {
+  std::string_view upper;
+  Kw keyword;      // for the words the translator looks for
+  bool reserved;   // structures statements, so never starts an operand
+};
+constexpr auto kKeywords = std::to_array<KeywordEntry>({
+    {"ALL", Kw::All, true}, {"ALTER", Kw::None, true}, {"AND", Kw::None, true}, {"APPLY", Kw::None, true},
+    {"AS", Kw::As, true}, {"ASC", Kw::None, true}, {"BEGIN", Kw::Begin, true}, {"BETWEEN", Kw::None, true},
+    {"BY", Kw::None, true}, {"CASE", Kw::Case, true}, {"CHECK", Kw::None, true}, {"COLLATE", Kw::None, true},
+    {"COMMIT", Kw::Commit, true}, {"CONSTRAINT", Kw::None, true}, {"CREATE", Kw::Create, true},
+    {"CROSS", Kw::None, true}, {"DEFAULT", Kw::None, true}, {"DELETE", Kw::Delete, true},
+    {"DESC", Kw::None, true}, {"DISTINCT", Kw::Distinct, true}, {"DROP", Kw::None, true},
+    {"ELSE", Kw::Else, true}, {"END", Kw::End, true}, {"ESCAPE", Kw::None, true},
+    {"EXCEPT", Kw::Except, true}, {"EXEC", Kw::Exec, true}, {"EXECUTE", Kw::Execute, true},
+    {"EXISTS", Kw::None, true}, {"FOR", Kw::For, false}, {"FOREIGN", Kw::None, true},
+    {"FROM", Kw::From, true}, {"FULL", Kw::None, true}, {"GLOB", Kw::None, true}, {"GROUP", Kw::Group, true},
+    {"HAVING", Kw::Having, true}, {"IDENTITY", Kw::Identity, false}, {"IN", Kw::None, true},
+    {"INDEX", Kw::None, true}, {"INNER", Kw::None, true}, {"INSERT", Kw::Insert, true},
+    {"INTERSECT", Kw::Intersect, true}, {"INTO", Kw::Into, true}, {"IS", Kw::None, true},
+    {"JOIN", Kw::Join, true}, {"KEY", Kw::None, true}, {"LEFT", Kw::Left, true}, {"LIKE", Kw::None, true},
+    {"LIMIT", Kw::None, true}, {"MAX", Kw::Max, false}, {"NOT", Kw::None, true}, {"NULL", Kw::Null, false},
+    {"OFFSET", Kw::None, true}, {"ON", Kw::None, true}, {"OPTION", Kw::Option, true}, {"OR", Kw::None, true},
+    {"ORDER", Kw::Order, true}, {"OUTER", Kw::None, true}, {"PERCENT", Kw::Percent, true},
+    {"PRIMARY", Kw::None, true}, {"REFERENCES", Kw::None, true}, {"RIGHT", Kw::Right, true},
+    {"ROLLBACK", Kw::Rollback, false}, {"SELECT", Kw::Select, true}, {"SET", Kw::Set, true},
+    {"TABLE", Kw::Table, true}, {"THEN", Kw::Then, true}, {"TIES", Kw::Ties, false}, {"TOP", Kw::Top, true},
+    {"TRAN", Kw::Tran, false}, {"TRANSACTION", Kw::Transaction, false}, {"TRUNCATE", Kw::Truncate, false},
+    {"UNION", Kw::Union, true}, {"UPDATE", Kw::Update, true}, {"VALUES", Kw::None, true},
+    {"WHEN", Kw::When, true}, {"WHERE", Kw::Where, true}, {"WITH", Kw::With, true},
+});
+static_assert(std::is_sorted(kKeywords.begin(), kKeywords.end(),
+                             [](const KeywordEntry& a, const KeywordEntry& b) { return a.upper < b.upper; }),
+              "binary search needs sorted words");
+static_assert(std::all_of(kKeywords.begin(), kKeywords.end(),
+                          [](const KeywordEntry& entry) { return entry.upper.size() <= 11; }),
+              "ClassifyWord reads words of up to 11 letters");
+
+enum class ValueType { Unknown, Null, Number, Text, Date };
+
+char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
+
+bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && EqualsAsciiNoCase(text.substr(0, prefix.size()), prefix);
+}
+
+struct WordClass {
+  Kw keyword = Kw::None;
+  bool reserved = false;
+};
+
+// Compares like std::string_view's operator<, without a library call: the
+// words are short and this runs once per word of every statement.
+int CompareWord(std::string_view a, std::string_view b) {
+  const size_t common = std::min(a.size(), b.size());
+  for (size_t i = 0; i < common; ++i) {
+    if (a[i] != b[i]) return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]) ? -1 : 1;
+  }
+  return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+WordClass ClassifyWord(std::string_view word) {
+  WordClass result;
+  if (word.size() > 11) return result;  // no keyword is longer
+  char upper[11];
+  for (size_t i = 0; i < word.size(); ++i) upper[i] = AsciiUpper(word[i]);
+  const std::string_view key(upper, word.size());
+  size_t low = 0;
+  size_t high = kKeywords.size();
+  while (low < high) {
+    const size_t middle = (low + high) / 2;
+    const int order = CompareWord(kKeywords[middle].upper, key);
+    if (order == 0) {
+      result.keyword = kKeywords[middle].keyword;
+      result.reserved = kKeywords[middle].reserved;
+      return result;
+    }
+    if (order < 0) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return result;
+}
+
+// The type a column has by the naming convention of the schema (prefixes).
+ValueType TypeOfColumnName(std::string_view name) {
+  if (StartsWithNoCase(name, "Dt_") || StartsWithNoCase(name, "Hr_")) return ValueType::Date;
+  if (StartsWithNoCase(name, "Nm_") || StartsWithNoCase(name, "Ds_") || StartsWithNoCase(name, "Sg_")) {
+    return ValueType::Text;
+  }
+  if (StartsWithNoCase(name, "Qt_") || StartsWithNoCase(name, "Vl_") || StartsWithNoCase(name, "No_") ||
+      StartsWithNoCase(name, "Ic_")) {
+    return ValueType::Number;
+  }
+  return ValueType::Unknown;
+}
+
+bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> names) {
+  for (std::string_view name : names) {
+    if (EqualsAsciiNoCase(word, name)) return true;
+  }
+  return false;
+}
+
+// The target of CONVERT or CAST.
+struct TargetType {
+  enum class Kind { Text, Date, DateTime, Integer, Decimal, Real } kind = Kind::Text;
+  int64_t length = 30;  // Text: characters kept; -1 for no limit
+  int64_t scale = 0;    // Decimal: digits after the point
+  bool pad = false;     // Text: char/nchar fill with blanks
+};
+
+struct Term {
+  size_t begin = 0;
+  size_t end = 0;
+  size_t op = kNone;  // the "+" or "-" before it; kNone for the first term
+};
+
+enum class ChainMode { Plain, Concat, DateAdd, Runtime, Error };
+
+struct ChainDecision {
+  ChainMode mode = ChainMode::Plain;
+  ValueType type = ValueType::Unknown;
+  size_t date_term = kNone;
+  std::string error;
+};
+
+// A significant token (not blank, not comment) and what is known of it.
+struct Sig {
+  size_t token = 0;      // index in the token list
+  size_t match = kNone;  // the partner of "(" / ")" and CASE / END
+  Kw keyword = Kw::None;
+  bool reserved = false;
+};
+
+// The parts of a dotted name (at most four, as in SQL Server, plus ".*");
+// kNone stands for a part left out, as the schema in db..table.
+class NameSplit {
+ public:
+  void Add(size_t part) {
+    if (count_ == parts_.size()) RaiseDialectError("A name with more than four parts");
+    parts_[count_++] = part;
+  }
+  size_t size() const { return count_; }
+  bool empty() const { return count_ == 0; }
+  size_t operator[](size_t i) const { return parts_[i]; }
+  size_t back() const { return parts_[count_ - 1]; }
+  const size_t* begin() const { return parts_.data(); }
+  const size_t* end() const { return parts_.data() + count_; }
+  void DropFront(size_t n) {
+    std::copy(parts_.begin() + n, parts_.begin() + count_, parts_.begin());
+    count_ -= n;
+  }
+
+ private:
+  std::array<size_t, 6> parts_{};
+  size_t count_ = 0;
+};
+
+struct FromRef {
+  size_t name_begin = 0;
+  size_t name_end = 0;
+  size_t alias = kNone;  // index of the alias token
+};
+
+class Translator {
+ public:
+  explicit Translator(std::string_view sql) : sql_(sql) {}
+
+  std::string Run() {
+    tokens_ = Tokenize(sql_);
+    sig_.reserve(tokens_.size());
+    for (size_t i = 0; i < tokens_.size(); ++i) {
+      const Token& token = tokens_[i];
+      if (token.kind == TokenKind::Whitespace || token.kind == TokenKind::Comment) continue;
+      Sig sig;
+      sig.token = i;
+      if (token.kind == TokenKind::Word) {
+        const WordClass word = ClassifyWord(token.text);
+        sig.keyword = word.keyword;
+        sig.reserved = word.reserved;
+      }
+      sig_.push_back(sig);
+    }
+    n_ = sig_.size();
+    MatchGroups();
+    out_.reserve(sql_.size() + sql_.size() / 4 + 32);
+    size_t k = 0;
+    while (k < n_) {
+      const size_t end = NextStatementEnd(k);
+      if (end > k) EmitStatement(k, end);
+      if (end < n_) EmitToken(end);
+      k = end + 1;
+    }
+    EmitTrivia(n_);
+    return std::move(out_);
+  }
+
+ private:
+  // ---- tokens ------------------------------------------------------------
+
+  const Token& At(size_t k) const { return k < n_ ? tokens_[sig_[k].token] : end_token_; }
+  bool Is(size_t k, Kw keyword) const { return k < n_ && sig_[k].keyword == keyword; }
+  size_t Match(size_t k) const { return sig_[k].match; }
+  bool IsOp(size_t k, std::string_view op) const {
+    if (k >= n_) return false;
+    const Token& token = At(k);
+    return token.kind == TokenKind::Operator && token.text.size() == op.size() && token.text[0] == op[0] &&
+           (op.size() == 1 || token.text[1] == op[1]);
+  }
+  bool IsGroupOpen(size_t k) const { return IsOp(k, "(") || Is(k, Kw::Case); }
+  bool IsNamePart(size_t k) const {
+    if (k >= n_) return false;
+    const TokenKind kind = At(k).kind;
+    return kind == TokenKind::Word || kind == TokenKind::BracketedName || kind == TokenKind::QuotedName;
+  }
+  bool IsReserved(size_t k) const { return k < n_ && sig_[k].reserved; }
+  // A word that may be an alias after a table or an expression.
+  bool IsAliasWord(size_t k) const {
+    return k < n_ && (At(k).kind == TokenKind::BracketedName || At(k).kind == TokenKind::QuotedName ||
+                      (At(k).kind == TokenKind::Word && !sig_[k].reserved && At(k).text[0] != '@'));
+  }
+
+  // The bare text of a name part: without brackets or quotes.
+  std::string_view NameText(size_t k) const {
+    const Token& token = At(k);
+    if (token.kind == TokenKind::BracketedName || token.kind == TokenKind::QuotedName) {
+      return token.text.substr(1, token.text.size() - 2);
+    }
+    return token.text;
+  }
+
+  // Pairs "(" with ")" and CASE with END; END without a CASE (a trigger's
+  // BEGIN ... END) is left alone.
+  void MatchGroups() {
+    std::vector<size_t> open;
+    for (size_t k = 0; k < n_; ++k) {
+      if (IsOp(k, "(") || Is(k, Kw::Case)) {
+        open.push_back(k);
+      } else if (IsOp(k, ")")) {
+        if (open.empty()) RaiseDialectError("Unbalanced ')' at offset " + std::to_string(At(k).offset));
+        if (Is(open.back(), Kw::Case)) {
+          RaiseDialectError("CASE without END before offset " + std::to_string(At(k).offset));
+        }
+        sig_[open.back()].match = k;
+        sig_[k].match = open.back();
+        open.pop_back();
+      } else if (Is(k, Kw::End) && !open.empty() && Is(open.back(), Kw::Case)) {
+        sig_[open.back()].match = k;
+        sig_[k].match = open.back();
+        open.pop_back();
+      }
+    }
+    if (!open.empty()) {
+      RaiseDialectError(std::string(Is(open.back(), Kw::Case) ? "CASE without END" : "Unclosed '('") +
+                        " at offset " + std::to_string(At(open.back()).offset));
+    }
+  }
+
+  size_t Skip(size_t k) const { return IsGroupOpen(k) ? Match(k) + 1 : k + 1; }
+
+  size_t NextStatementEnd(size_t k) const {
+    while (k < n_ && !IsOp(k, ";")) k = Skip(k);
+    return k;
+  }
+
+  // ---- output ------------------------------------------------------------
+
+  // The blanks and comments before significant token k; comments become a
+  // blank, since SQLite would run a "--" comment on past a carriage return.
+  void EmitTrivia(size_t k) {
+    const size_t from = k == 0 ? 0 : sig_[k - 1].token + 1;
+    const size_t to = k < n_ ? sig_[k].token : tokens_.size();
+    for (size_t i = from; i < to; ++i) {
+      if (tokens_[i].kind == TokenKind::Comment) {
+        out_.push_back(' ');
+      } else {
+        out_.append(tokens_[i].text);
+      }
+    }
+  }
+
+  void EmitText(size_t k) {
+    const Token& token = At(k);
+    switch (token.kind) {
+      case TokenKind::String:
+      case TokenKind::NationalString: EmitStringLiteral(token); return;
+      case TokenKind::BracketedName: {
+        out_.push_back('"');
+        for (size_t i = 1; i + 1 < token.text.size(); ++i) {
+          const char c = token.text[i];
+          if (c == ']') ++i;  // "]]" stands for "]"
+          if (c == '"') out_.push_back('"');
+          out_.push_back(c);
+        }
+        out_.push_back('"');
+        return;
+      }
+      case TokenKind::Operator:
+        if (token.text == "!<") {
+          out_.append(">=");
+        } else if (token.text == "!>") {
+          out_.append("<=");
+        } else {
+          out_.append(token.text);
+        }
+        return;
+      default: out_.append(token.text); return;
+    }
+  }
+
+  void EmitToken(size_t k) {
+    EmitTrivia(k);
+    EmitText(k);
+  }
+
+  void EmitStringLiteral(const Token& token) {
+    std::string_view literal = token.text;
+    if (token.kind == TokenKind::NationalString) literal.remove_prefix(1);
+    const std::string_view inner = literal.substr(1, literal.size() - 2);
+    // A literal that is a whole date is written the way dates are stored, so
+    // that comparing it with a stored date compares moments.
+    if (!inner.empty() && inner.front() >= '0' && inner.front() <= '9' && inner.back() >= '0' &&
+        inner.back() <= '9') {
+      const size_t separator = inner.find_first_not_of("0123456789");
+      if (separator != std::string_view::npos && (inner[separator] == '/' || inner[separator] == '-')) {
+        if (const auto parts = ParseDateText(inner, false)) {
+          out_.push_back('\'');
+          out_.append(FormatCanonical(*parts));
+          out_.push_back('\'');
+          return;
+        }
+      }
+    }
+    out_.append(literal);
+  }
+
+  template <class Body>
+  std::string Capture(Body&& body) {
+    std::string saved;
+    saved.swap(out_);
+    body();
+    saved.swap(out_);
+    return saved;
+  }
+
+  // ---- statements ----------------------------------------------------------
+
+  void EmitStatement(size_t b, size_t e) {
+    const Token& first = At(b);
+    if (first.kind == TokenKind::Word) {
+      for (std::string_view word : kProceduralStatements) {
+        if (EqualsAsciiNoCase(first.text, word)) {
+          RaiseDialectError(std::string(first.text) + " statements are not supported on SQLite");
+        }
+      }
+    }
+    if (Is(b, Kw::Delete)) return EmitDelete(b, e);
+    if (Is(b, Kw::Update)) return EmitUpdate(b, e);
+    if (Is(b, Kw::Insert)) return EmitInsert(b, e);
+    if (Is(b, Kw::Truncate) && Is(b + 1, Kw::Table)) {
+      EmitTrivia(b);
+      out_.append("DELETE FROM");
+      return EmitSequence(b + 2, e);
+    }
+    if (Is(b, Kw::Begin) || Is(b, Kw::Commit) || Is(b, Kw::Rollback)) {
+      if (Is(b + 1, Kw::Tran) || Is(b + 1, Kw::Transaction) || (b + 1 == e && !Is(b, Kw::Begin))) {
+        // The transaction's name is a label only in SQL Server.
+        EmitToken(b);
+        out_.append(" TRANSACTION");
+        return;
+      }
+    }
+    if (Is(b, Kw::Create) && Is(b + 1, Kw::Table)) {
+      for (size_t k = b; k < e; ++k) {
+        if (Is(k, Kw::Identity)) {
+          RaiseDialectError("IDENTITY columns are not supported on SQLite (use INTEGER PRIMARY KEY)");
+        }
+      }
+    }
+    EmitSequence(b, e);
+  }
+
+  // The end of a name chain a.b.c (or a.*) starting at k, without a call's
+  // parentheses; k itself when k starts no name.
+  size_t NameEnd(size_t k, size_t e) const {
+    if (k >= e || !IsNamePart(k)) return k;
+    size_t j = k + 1;
+    while (j < e && IsOp(j, ".")) {
+      if (IsOp(j + 1, ".") && j + 1 < e) {
+        ++j;  // db..table: the schema left out
+      } else if (j + 1 < e && IsNamePart(j + 1)) {
+        j += 2;
+      } else if (j + 1 < e && IsOp(j + 1, "*")) {
+        return j + 2;
+      } else {
+        break;
+      }
+    }
+    return j;
+  }
+
+  // Indices of the name parts in [k, q); kNone for an empty part.
+  NameSplit NameParts(size_t k, size_t q) const {
+    NameSplit parts;
+    bool expect_part = true;
+    for (size_t j = k; j < q; ++j) {
+      if (IsOp(j, ".")) {
+        if (expect_part) parts.Add(kNone);
+        expect_part = true;
+      } else {
+        parts.Add(j);
+        expect_part = false;
+      }
+    }
+    return parts;
+  }
+
+  // The name parts that SQLite keeps: "dbo" as database owner goes.
+  NameSplit KeptNameParts(size_t k, size_t q) const {
+    const NameSplit parts = NameParts(k, q);
+    NameSplit kept;
+    for (size_t i = 0; i < parts.size(); ++i) {
+      if (parts[i] == kNone) continue;
+      const bool owner_position = i + 1 < parts.size() && (i == 0 || i == 1);
+      if (owner_position && EqualsAsciiNoCase(NameText(parts[i]), "dbo")) continue;
+      kept.Add(parts[i]);
+    }
+    return kept;
+  }
+
+  std::string NameTextOf(size_t k, size_t q) {
+    return Capture([&] { EmitNameText(k, q); });
+  }
+
+  void EmitName(size_t k, size_t q) {
+    EmitTrivia(k);
+    EmitNameText(k, q);
+  }
+
+  void EmitNameText(size_t k, size_t q) {
+    const NameSplit parts = NameParts(k, q);
+    const bool star = IsOp(q - 1, "*");
+    NameSplit named;
+    for (size_t part : parts) {
+      if (part != kNone && !IsOp(part, "*")) named.Add(part);
+    }
+    if (named.size() >= 2) {
+      const std::string_view schema = NameText(named[named.size() - 2]);
+      if (EqualsAsciiNoCase(schema, "sys")) {
+        if (!EqualsAsciiNoCase(NameText(named.back()), "databases")) {
+          RaiseDialectError("The catalog view sys." + std::string(NameText(named.back())) +
+                            " is not available on SQLite");
+        }
+        out_.append(kSysDatabases);
+        if (!Is(q, Kw::As) && !IsAliasWord(q)) out_.append(" AS databases");
+        return;
+      }
+    }
+    if (named.size() == 1 && !star) {
+      const std::string_view word = NameText(named[0]);
+      if (At(named[0]).kind == TokenKind::Word) {
+        std::string_view replacement;
+        if (EqualsAsciiNoCase(word, "CURRENT_TIMESTAMP")) replacement = "vek_getdate()";
+        if (EqualsAsciiNoCase(word, "@@IDENTITY")) replacement = "last_insert_rowid()";
+        if (EqualsAsciiNoCase(word, "@@ROWCOUNT")) replacement = "changes()";
+        if (!replacement.empty()) {
+          out_.append(replacement);
+          return;
+        }
+      }
+    }
+    NameSplit kept = KeptNameParts(k, star ? q - 2 : q);
+    // SQLite takes table.* but not schema.table.*: the table's name alone
+    // names it as long as no other schema's table of that name is joined.
+    if (star && kept.size() > 1) kept.DropFront(kept.size() - 1);
+    bool first = true;
+    for (size_t part : kept) {
+      if (!first) out_.push_back('.');
+      EmitText(part);
+      first = false;
+    }
+    if (star) out_.append(first ? "*" : ".*");
+  }
+
+  // ---- expressions -----------------------------------------------------------
+
+  // The end of the operand starting at k (a literal, a name, a call, a
+  // parenthesis, CASE ... END, or one of these after a sign); k when k
+  // starts no operand.
+  size_t PrimaryEnd(size_t k, size_t e) const {
+    if (k >= e) return k;
+    const Token& token = At(k);
+    switch (token.kind) {
+      case TokenKind::String:
+      case TokenKind::NationalString:
+      case TokenKind::Number: return k + 1;
+      case TokenKind::BracketedName:
+      case TokenKind::QuotedName:
+      case TokenKind::Word: {
+        if (token.kind == TokenKind::Word) {
+          if (Is(k, Kw::Case)) return Match(k) + 1;
+          if (Is(k, Kw::Null)) return k + 1;
+          const bool call_keyword = (Is(k, Kw::Left) || Is(k, Kw::Right)) && IsOp(k + 1, "(");
+          if (sig_[k].reserved && !call_keyword) return k;
+        }
+        const size_t q = NameEnd(k, e);
+        if (q < e && IsOp(q, "(") && !IsOp(q - 1, "*")) return Match(q) + 1;
+        return q;
+      }
+      case TokenKind::Operator:
+        if (token.text == "(") return Match(k) + 1;
+        if (token.text == "-" || token.text == "+" || token.text == "~") {
+          const size_t q = PrimaryEnd(k + 1, e);
+          return q > k + 1 ? q : k;
+        }
+        return k;
+      default: return k;
+    }
+  }
+
+  bool IsMultiplicative(size_t k) const { return IsOp(k, "*") || IsOp(k, "/") || IsOp(k, "%"); }
+  bool IsAdditive(size_t k) const { return IsOp(k, "+") || IsOp(k, "-"); }
+
+  // Operands joined by * / % from k.
+  size_t TermEnd(size_t k, size_t e) const {
+    size_t q = PrimaryEnd(k, e);
+    while (q < e && IsMultiplicative(q)) {
+      const size_t next = PrimaryEnd(q + 1, e);
+      if (next == q + 1) break;
+      q = next;
+    }
+    return q;
+  }
+
+  // Terms joined by + and - from k (which starts an operand).
+  std::vector<Term> ParseChain(size_t k, size_t e) const {
+    std::vector<Term> terms;
+    terms.push_back(Term{k, TermEnd(k, e), kNone});
+    while (terms.back().end < e && IsAdditive(terms.back().end)) {
+      const size_t op = terms.back().end;
+      const size_t next = TermEnd(op + 1, e);
+      if (next == op + 1) break;
+      terms.push_back(Term{op + 1, next, op});
+    }
+    return terms;
+  }
+
+  ValueType TypeOfRange(size_t b, size_t e) const {
+    if (b >= e || PrimaryEnd(b, e) == b) return ValueType::Unknown;
+    const std::vector<Term> terms = ParseChain(b, e);
+    if (terms.back().end != e) return ValueType::Unknown;
+    if (terms.size() == 1) return TypeOfTerm(terms[0]);
+    return Decide(terms).type;
+  }
+
+  ValueType TypeOfTerm(const Term& term) const {
+    const size_t q = PrimaryEnd(term.begin, term.end);
+    if (q != term.end) return ValueType::Number;  // * / %
+    return TypeOfPrimary(term.begin, q);
+  }
+
+  ValueType TypeOfPrimary(size_t p, size_t q) const {
+    const Token& token = At(p);
+    switch (token.kind) {
+      case TokenKind::String:
+      case TokenKind::NationalString: return ValueType::Text;
+      case TokenKind::Number: return ValueType::Number;
+      case TokenKind::Operator:
+        if (token.text == "(") {
+          if (Is(p + 1, Kw::Select)) return ValueType::Unknown;
+          return TypeOfRange(p + 1, q - 1);
+        }
+        // A sign keeps a number a number.
+        return TypeOfPrimary(p + 1, q) == ValueType::Number ? ValueType::Number : ValueType::Unknown;
+      default: break;
+    }
+    if (Is(p, Kw::Null)) return ValueType::Null;
+    if (Is(p, Kw::Case)) return TypeOfCase(p, q - 1);
+    const size_t name_end = NameEnd(p, q);
+    if (name_end < q) return TypeOfCall(p, name_end, q - 1);
+    const NameSplit parts = NameParts(p, name_end);
+    if (parts.empty() || parts.back() == kNone) return ValueType::Unknown;
+    if (parts.size() == 1 && IsKeyword(At(parts[0]), "CURRENT_TIMESTAMP")) return ValueType::Date;
+    return TypeOfColumnName(NameText(parts.back()));
+  }
+
+  ValueType TypeOfCase(size_t open, size_t close) const {
+    for (size_t k = open + 1; k < close; k = Skip(k)) {
+      if (!Is(k, Kw::Then) && !Is(k, Kw::Else)) continue;
+      size_t end = k + 1;
+      while (end < close && !Is(end, Kw::When) && !Is(end, Kw::Else)) end = Skip(end);
+      const ValueType type = TypeOfRange(k + 1, end);
+      if (type != ValueType::Unknown && type != ValueType::Null) return type;
+    }
+    return ValueType::Unknown;
+  }
+
+  std::vector<std::pair<size_t, size_t>> SplitArgs(size_t open, size_t close) const {
+    std::vector<std::pair<size_t, size_t>> args;
+    if (open + 1 == close) return args;
+    size_t begin = open + 1;
+    for (size_t k = begin; k < close; k = Skip(k)) {
+      if (IsOp(k, ",")) {
+        args.emplace_back(begin, k);
+        begin = k + 1;
+      }
+    }
+    args.emplace_back(begin, close);
+    return args;
+  }
+
+  ValueType TypeOfCall(size_t name, size_t open, size_t close) const {
+    const NameSplit parts = NameParts(name, open);
+    if (parts.size() != 1) return ValueType::Unknown;
+    const std::string_view function = NameText(parts[0]);
+    const auto args = SplitArgs(open, close);
+    if (IsOneOf(function, {"getdate", "dateadd"})) return ValueType::Date;
+    if (IsOneOf(function, {"convert", "cast"})) {
+      const auto type = EqualsAsciiNoCase(function, "cast") ? CastTypeRange(open, close)
+                                                          : (args.empty() ? std::pair<size_t, size_t>{0, 0}
+                                                                          : args[0]);
+      if (type.first >= type.second) return ValueType::Unknown;
+      const std::string_view type_name = At(type.first).text;
+      if (IsOneOf(type_name, {"date", "datetime", "smalldatetime", "datetime2"})) return ValueType::Date;
+      if (IsOneOf(type_name, {"varchar", "nvarchar", "char", "nchar", "text", "ntext", "sysname"})) {
+        return ValueType::Text;
+      }
+      return ValueType::Number;
+    }
+    if (IsOneOf(function, {"datediff", "datepart", "day", "month", "year", "len", "charindex", "count",
+                           "count_big", "sum", "avg", "abs", "round", "floor", "ceiling", "sign"})) {
+      return ValueType::Number;
+    }
+    if (IsOneOf(function, {"substring", "upper", "lower", "ltrim", "rtrim", "left", "right", "replace", "char",
+                           "nchar", "space", "replicate", "str", "reverse"})) {
+      return ValueType::Text;
+    }
+    if (IsOneOf(function, {"isnull", "coalesce", "nullif", "max", "min"})) {
+      const size_t considered = IsOneOf(function, {"isnull", "coalesce"}) ? args.size() : std::min<size_t>(args.size(), 1);
+      for (size_t i = 0; i < considered; ++i) {
+        const ValueType type = TypeOfRange(args[i].first, args[i].second);
+        if (type != ValueType::Unknown && type != ValueType::Null) return type;
+      }
+    }
+    return ValueType::Unknown;
+  }
+
+  ChainDecision Decide(const std::vector<Term>& terms) const {
+    ChainDecision decision;
+    size_t texts = 0;
+    size_t dates = 0;
+    size_t unknowns = 0;
+    bool minus = false;
+    bool plus = false;
+    for (size_t i = 0; i < terms.size(); ++i) {
+      if (terms[i].op != kNone) (IsOp(terms[i].op, "-") ? minus : plus) = true;
+      switch (TypeOfTerm(terms[i])) {
+        case ValueType::Text: ++texts; break;
+        case ValueType::Date:
+          ++dates;
+          decision.date_term = i;
+          break;
+        case ValueType::Unknown: ++unknowns; break;
+        default: break;
+      }
+    }
+    if (dates > 0 && texts > 0) {
+      decision.mode = ChainMode::Error;
+      decision.error = "Adding a text to a date with '+' is not supported on SQLite";
+    } else if (dates > 1) {
+      decision.mode = ChainMode::Error;
+      decision.error = "Adding or subtracting two dates is not supported on SQLite (use DATEDIFF)";
+    } else if (dates == 1) {
+      if (IsOp(terms[decision.date_term].op, "-")) {
+        decision.mode = ChainMode::Error;
+        decision.error = "Subtracting a date from a number is not supported on SQLite";
+      } else {
+        decision.mode = ChainMode::DateAdd;
+        decision.type = ValueType::Date;
+      }
+    } else if (texts > 0) {
+      if (minus) {
+        decision.mode = ChainMode::Error;
+        decision.error = "'-' between texts is not supported on SQLite";
+      } else {
+        decision.mode = ChainMode::Concat;
+        decision.type = ValueType::Text;
+      }
+    } else if (unknowns > 0 && plus) {
+      decision.mode = ChainMode::Runtime;
+    } else {
+      decision.mode = ChainMode::Plain;
+      decision.type = ValueType::Number;
+    }
+    return decision;
+  }
+
+  void EmitTerm(const Term& term) {
+    size_t k = term.begin;
+    while (k < term.end) {
+      const size_t q = PrimaryEnd(k, term.end);
+      if (q > k) {
+        EmitPrimary(k, q);
+        k = q;
+      } else {
+        EmitToken(k);
+        ++k;
+      }
+    }
+  }
+
+  bool IsSinglePrimary(const Term& term) const { return PrimaryEnd(term.begin, term.end) == term.end; }
+
+  // Emits the chain of operands that starts at k; returns where it ends.
+  size_t EmitChain(size_t k, size_t e) {
+    // Most operands stand alone: no "+" or "-" follows them.
+    const size_t first_end = TermEnd(k, e);
+    if (first_end >= e || !IsAdditive(first_end) || TermEnd(first_end + 1, e) == first_end + 1) {
+      EmitTerm(Term{k, first_end, kNone});
+      return first_end;
+    }
+    const std::vector<Term> terms = ParseChain(k, e);
+    const ChainDecision decision = Decide(terms);
+    switch (decision.mode) {
+      case ChainMode::Error: RaiseDialectError(decision.error);
+      case ChainMode::Plain:
+        for (const Term& term : terms) {
+          if (term.op != kNone) EmitToken(term.op);
+          EmitTerm(term);
+        }
+        break;
+      case ChainMode::Concat:
+        for (const Term& term : terms) {
+          if (term.op != kNone) {
+            EmitTrivia(term.op);
+            out_.append("||");
+          }
+          if (IsSinglePrimary(term)) {
+            EmitTerm(term);
+          } else {
+            out_.push_back('(');
+            EmitTerm(term);
+            out_.push_back(')');
+          }
+        }
+        break;
+      case ChainMode::DateAdd: {
+        EmitTrivia(k);
+        out_.append("vek_date_add(");
+        EmitTerm(terms[decision.date_term]);
+        out_.append(", ");
+        bool first = true;
+        for (size_t i = 0; i < terms.size(); ++i) {
+          if (i == decision.date_term) continue;
+          const bool negative = IsOp(terms[i].op, "-");
+          out_.append(first ? (negative ? "-(" : "(") : (negative ? " - (" : " + ("));
+          EmitTerm(terms[i]);
+          out_.push_back(')');
+          first = false;
+        }
+        out_.push_back(')');
+        break;
+      }
+      case ChainMode::Runtime: {
+        EmitTrivia(k);
+        std::string sum = Capture([&] { EmitTerm(terms[0]); });
+        for (size_t i = 1; i < terms.size(); ++i) {
+          const std::string operand = Capture([&] { EmitTerm(terms[i]); });
+          if (IsOp(terms[i].op, "+")) {
+            sum = "vek_add(" + sum + ", " + operand + ")";
+          } else {
+            sum = "(" + sum + ") - (" + operand + ")";
+          }
+        }
+        out_.append(sum);
+        break;
+      }
+    }
+    return terms.back().end;
+  }
+
+  void EmitPrimary(size_t p, size_t q) {
+    const Token& token = At(p);
+    if (token.kind == TokenKind::Operator) {
+      EmitToken(p);
+      if (token.text == "(") {
+        EmitSequence(p + 1, q - 1);
+        EmitToken(q - 1);
+      } else {
+        EmitPrimary(p + 1, q);  // a sign
+      }
+      return;
+    }
+    if (Is(p, Kw::Case)) {
+      EmitToken(p);
+      EmitSequence(p + 1, q - 1);
+      EmitToken(q - 1);
+      return;
+    }
+    if (token.kind == TokenKind::String || token.kind == TokenKind::NationalString ||
+        token.kind == TokenKind::Number || Is(p, Kw::Null)) {
+      EmitToken(p);
+      return;
+    }
+    const size_t name_end = NameEnd(p, q);
+    if (name_end < q) return EmitCall(p, name_end, q - 1);
+    EmitName(p, q);
+  }
+
+  // ---- calls -------------------------------------------------------------------
+
+  void RequireArgs(std::string_view function, size_t count, size_t least, size_t most) const {
+    if (count < least || count > most) {
+      RaiseDialectError("Wrong number of arguments for " + std::string(function));
+    }
+  }
+
+  // The function renamed, its arguments translated as they stand.
+  void EmitRenamed(size_t name, size_t open, size_t close, std::string_view replacement) {
+    EmitTrivia(name);
+    out_.append(replacement);
+    EmitToken(open);
+    EmitSequence(open + 1, close);
+    EmitToken(close);
+  }
+
+  void EmitArg(const std::pair<size_t, size_t>& arg) { EmitSequence(arg.first, arg.second); }
+
+  DatePart DatePartArg(std::string_view function, const std::pair<size_t, size_t>& arg) const {
+    std::optional<DatePart> part;
+    if (arg.second == arg.first + 1 && At(arg.first).kind == TokenKind::Word) part = ParseDatePart(At(arg.first).text);
+    if (!part) {
+      std::string text;
+      if (arg.second > arg.first) {
+        const size_t from = At(arg.first).offset;
+        text = sql_.substr(from, At(arg.second - 1).offset + At(arg.second - 1).text.size() - from);
+      }
+      RaiseDialectError("The date part '" + text + "' of " + std::string(function) +
+                        " is not supported on SQLite");
+    }
+    return *part;
+  }
+
+  void EmitCall(size_t name, size_t open, size_t close) {
+    const NameSplit parts = NameParts(name, open);
+    const auto args = SplitArgs(open, close);
+    const std::string_view function = parts.size() == 1 && parts[0] != kNone ? NameText(parts[0]) : "";
+    if (function.empty()) {
+      EmitName(name, open);
+      EmitToken(open);
+      EmitSequence(open + 1, close);
+      EmitToken(close);
+      return;
+    }
+    const auto renamed = [&](std::string_view replacement, size_t least, size_t most) {
+      RequireArgs(function, args.size(), least, most);
+      EmitRenamed(name, open, close, replacement);
+    };
+    if (EqualsAsciiNoCase(function, "getdate")) {
+      RequireArgs(function, args.size(), 0, 0);
+      EmitTrivia(name);
+      out_.append("vek_getdate()");
+    } else if (EqualsAsciiNoCase(function, "isnull")) {
+      renamed("ifnull", 2, 2);
+    } else if (EqualsAsciiNoCase(function, "substring")) {
+      renamed("vek_substring", 3, 3);
+    } else if (EqualsAsciiNoCase(function, "len")) {
+      renamed("vek_len", 1, 1);
+    } else if (EqualsAsciiNoCase(function, "charindex")) {
+      renamed("vek_charindex", 2, 3);
+    } else if (EqualsAsciiNoCase(function, "upper")) {
+      renamed("vek_upper", 1, 1);
+    } else if (EqualsAsciiNoCase(function, "lower")) {
+      renamed("vek_lower", 1, 1);
+    } else if (EqualsAsciiNoCase(function, "left")) {
+      renamed("vek_left", 2, 2);
+    } else if (EqualsAsciiNoCase(function, "right")) {
+      renamed("vek_right", 2, 2);
+    } else if (EqualsAsciiNoCase(function, "replace")) {
+      renamed("vek_replace", 3, 3);
+    } else if (EqualsAsciiNoCase(function, "round")) {
+      renamed("vek_round", 2, 3);
+    } else if (EqualsAsciiNoCase(function, "scope_identity")) {
+      RequireArgs(function, args.size(), 0, 0);
+      EmitTrivia(name);
+      out_.append("last_insert_rowid()");
+    } else if (IsOneOf(function, {"day", "month", "year"})) {
+      RequireArgs(function, args.size(), 1, 1);
+      EmitTrivia(name);
+      out_.append("vek_datepart('");
+      for (char c : function) out_.push_back(static_cast<char>(c | 0x20));
+      out_.append("',");
+      EmitArg(args[0]);
+      out_.push_back(')');
+    } else if (IsOneOf(function, {"datediff", "dateadd"})) {
+      RequireArgs(function, args.size(), 3, 3);
+      const DatePart part = DatePartArg(function, args[0]);
+      EmitTrivia(name);
+      out_.append(EqualsAsciiNoCase(function, "datediff") ? "vek_datediff('" : "vek_dateadd('");
+      out_.append(DatePartName(part));
+      out_.append("',");
+      EmitArg(args[1]);
+      out_.push_back(',');
+      EmitArg(args[2]);
+      out_.push_back(')');
+    } else if (EqualsAsciiNoCase(function, "datepart")) {
+      RequireArgs(function, args.size(), 2, 2);
+      const DatePart part = DatePartArg(function, args[0]);
+      EmitTrivia(name);
+      out_.append("vek_datepart('");
+      out_.append(DatePartName(part));
+      out_.append("',");
+      EmitArg(args[1]);
+      out_.push_back(')');
+    } else if (EqualsAsciiNoCase(function, "convert")) {
+      RequireArgs(function, args.size(), 2, 3);
+      std::optional<int64_t> style;
+      if (args.size() == 3) {
+        const auto& s = args[2];
+        if (s.second != s.first + 1 || At(s.first).kind != TokenKind::Number ||
+            At(s.first).text.find_first_not_of("0123456789") != std::string_view::npos) {
+          RaiseDialectError("CONVERT needs its style as a whole number on SQLite");
+        }
+        style = std::stoll(std::string(At(s.first).text));
+      }
+      EmitConversion(name, ParseTargetType(args[0].first, args[0].second, "CONVERT"), args[1], style);
+    } else if (EqualsAsciiNoCase(function, "cast")) {
+      const auto type = CastTypeRange(open, close);
+      if (type.first >= type.second) RaiseDialectError("CAST without AS and a type");
+      EmitConversion(name, ParseTargetType(type.first, type.second, "CAST"), {open + 1, type.first - 1},
+                     std::nullopt);
+    } else {
+      EmitName(name, open);
+      EmitToken(open);
+      EmitSequence(open + 1, close);
+      EmitToken(close);
+    }
+  }
+
+  // The type of CAST(x AS type): the tokens after the last top-level AS.
+  std::pair<size_t, size_t> CastTypeRange(size_t open, size_t close) const {
+    size_t as = kNone;
+    for (size_t k = open + 1; k < close; k = Skip(k)) {
+      if (Is(k, Kw::As)) as = k;
+    }
+    if (as == kNone) return {0, 0};
+    return {as + 1, close};
+  }
+
+  TargetType ParseTargetType(size_t b, size_t e, std::string_view function) const {
+    if (b >= e || At(b).kind != TokenKind::Word) RaiseDialectError(std::string(function) + " without a target type");
+    const std::string_view name = At(b).text;
+    // The size in parentheses: (n), (n, s) or (max).
+    std::optional<int64_t> size;
+    std::optional<int64_t> scale;
+    bool max = false;
+    size_t k = b + 1;
+    if (IsOp(k, "(")) {
+      const size_t close = Match(k);
+      for (size_t j = k + 1; j < close; ++j) {
+        if (At(j).kind == TokenKind::Number) {
+          const int64_t value = std::stoll(std::string(At(j).text));
+          (size ? scale : size) = value;
+        } else if (Is(j, Kw::Max)) {
+          max = true;
+        }
+      }
+      k = close + 1;
+    }
+    if (k != e) RaiseDialectError("The target type of " + std::string(function) + " is not supported on SQLite");
+    TargetType type;
+    if (IsOneOf(name, {"varchar", "nvarchar", "char", "nchar", "sysname"})) {
+      type.kind = TargetType::Kind::Text;
+      type.length = max ? -1 : size.value_or(EqualsAsciiNoCase(name, "sysname") ? 128 : 30);
+      type.pad = IsOneOf(name, {"char", "nchar"}) && !max;
+    } else if (IsOneOf(name, {"text", "ntext"})) {
+      type.kind = TargetType::Kind::Text;
+      type.length = -1;
+    } else if (EqualsAsciiNoCase(name, "date")) {
+      type.kind = TargetType::Kind::Date;
+    } else if (IsOneOf(name, {"datetime", "smalldatetime", "datetime2"})) {
+      type.kind = TargetType::Kind::DateTime;
+    } else if (IsOneOf(name, {"int", "integer", "bigint", "smallint", "tinyint"})) {
+      type.kind = TargetType::Kind::Integer;
+    } else if (IsOneOf(name, {"numeric", "decimal", "dec"})) {
+      type.kind = TargetType::Kind::Decimal;
+      type.scale = scale.value_or(0);
+    } else if (IsOneOf(name, {"money", "smallmoney"})) {
+      type.kind = TargetType::Kind::Decimal;
+      type.scale = 4;
+    } else if (IsOneOf(name, {"float", "real"})) {
+      type.kind = TargetType::Kind::Real;
+    } else {
+      RaiseDialectError(std::string(function) + " to " + std::string(name) + " is not supported on SQLite");
+    }
+    return type;
+  }
+
+  void EmitConversion(size_t name, const TargetType& type, std::pair<size_t, size_t> value,
+                      std::optional<int64_t> style) {
+    if (value.first >= value.second) RaiseDialectError("Conversion without a value");
+    EmitTrivia(name);
+    switch (type.kind) {
+      case TargetType::Kind::Text: {
+        if (style && !IsSupportedDateStyle(*style) && *style != 2) {
+          RaiseDialectError("CONVERT style " + std::to_string(*style) + " is not supported on SQLite");
+        }
+        const bool is_date = TypeOfRange(value.first, value.second) == ValueType::Date;
+        out_.append("vek_text(");
+        EmitArg(value);
+        out_.append(", " + std::to_string(type.length) + ", " + std::to_string(style.value_or(-1)) + ", " +
+                    (is_date ? "1" : "0") + ", " + (type.pad ? "1" : "0") + ")");
+        return;
+      }
+      case TargetType::Kind::Date:
+      case TargetType::Kind::DateTime:
+        // Dates are read day first or in ISO form; month-first styles would
+        // be read wrongly.
+        if (style && (*style == 1 || *style == 101)) {
+          RaiseDialectError("CONVERT style " + std::to_string(*style) + " (month first) is not supported on SQLite");
+        }
+        out_.append(type.kind == TargetType::Kind::Date ? "vek_date(" : "vek_datetime(");
+        EmitArg(value);
+        out_.push_back(')');
+        return;
+      case TargetType::Kind::Integer:
+        out_.append("CAST(");
+        EmitArg(value);
+        out_.append(" AS INTEGER)");
+        return;
+      case TargetType::Kind::Decimal:
+        out_.append("vek_round(CAST(");
+        EmitArg(value);
+        out_.append(" AS REAL), " + std::to_string(type.scale) + ")");
+        return;
+      case TargetType::Kind::Real:
+        out_.append("CAST(");
+        EmitArg(value);
+        out_.append(" AS REAL)");
+        return;
+    }
+  }
+
+  // ---- sequences and queries ---------------------------------------------------
+
+  // Translates the tokens of [b, e) one by one, operands as chains.
+  void EmitSequence(size_t b, size_t e) {
+    size_t k = b;
+    while (k < e) {
+      if (Is(k, Kw::Select)) {
+        EmitQuery(k, e);
+        return;
+      }
+      if (PrimaryEnd(k, e) > k) {
+        k = EmitChain(k, e);
+      } else {
+        EmitToken(k);
+        ++k;
+      }
+    }
+  }
+
+  bool IsCompoundOperator(size_t k) const { return Is(k, Kw::Union) || Is(k, Kw::Except) || Is(k, Kw::Intersect); }
+
+  // A query from the SELECT at p to e: one SELECT or a compound of them.
+  void EmitQuery(size_t p, size_t e) {
+    size_t first_operator = p;
+    while (first_operator < e && !IsCompoundOperator(first_operator)) first_operator = Skip(first_operator);
+    if (first_operator == e) return EmitSelect(p, e, false);
+    std::vector<size_t> operators;
+    for (size_t k = first_operator; k < e; k = Skip(k)) {
+      if (IsCompoundOperator(k)) operators.push_back(k);
+    }
+    // The last branch's ORDER BY orders the whole compound.
+    const size_t last_begin = operators.back() + (Is(operators.back() + 1, Kw::All) ? 2 : 1);
+    size_t order = e;
+    for (size_t k = last_begin; k < e; k = Skip(k)) {
+      if (Is(k, Kw::Order)) {
+        order = k;
+        break;
+      }
+    }
+    size_t begin = p;
+    for (size_t i = 0; i <= operators.size(); ++i) {
+      const size_t end = i < operators.size() ? operators[i] : order;
+      if (Is(begin, Kw::Select)) {
+        EmitSelect(begin, end, true);
+      } else {
+        EmitSequence(begin, end);
+      }
+      if (i < operators.size()) {
+        EmitToken(operators[i]);
+        begin = operators[i] + 1;
+        if (Is(begin, Kw::All)) EmitToken(begin++);
+      }
+    }
+    EmitSequence(order, e);
+  }
+
+  // One SELECT from p to e. In a compound, a TOP wraps the branch.
+  void EmitSelect(size_t p, size_t e, bool in_compound) {
+    size_t k = p + 1;
+    if (Is(k, Kw::Distinct) || Is(k, Kw::All)) ++k;
+    std::string limit;
+    size_t top = kNone;
+    if (Is(k, Kw::Top)) {
+      top = k;
+      ++k;
+      if (IsOp(k, "(") && Match(k) < e) {
+        const size_t close = Match(k);
+        limit = "(" + Capture([&] { EmitSequence(k + 1, close); }) + ")";
+        k = close + 1;
+      } else if (k < e && At(k).kind == TokenKind::Number &&
+                 At(k).text.find_first_not_of("0123456789") == std::string_view::npos) {
+        limit = std::string(At(k).text);
+        ++k;
+      } else {
+        RaiseDialectError("TOP needs a whole number on SQLite");
+      }
+      if (Is(k, Kw::Percent)) RaiseDialectError("TOP ... PERCENT is not supported on SQLite");
+      if (Is(k, Kw::With) && Is(k + 1, Kw::Ties)) RaiseDialectError("TOP ... WITH TIES is not supported on SQLite");
+    }
+    if (top != kNone && in_compound) {
+      EmitTrivia(p);
+      out_.append("SELECT * FROM (");
+      EmitText(p);
+    } else {
+      EmitToken(p);
+    }
+    for (size_t j = p + 1; j < (top == kNone ? k : top); ++j) EmitToken(j);
+    if (top != kNone) EmitTrivia(top);
+    const size_t list_end = EmitSelectList(k, e);
+    EmitSequence(list_end, e);
+    if (top != kNone) {
+      out_.append(" LIMIT ");
+      out_.append(limit);
+      if (in_compound) out_.push_back(')');
+    }
+  }
+
+  bool EndsSelectList(size_t k) const {
+    return Is(k, Kw::From) || Is(k, Kw::Where) || Is(k, Kw::Group) || Is(k, Kw::Having) || Is(k, Kw::Order) ||
+           IsCompoundOperator(k) || Is(k, Kw::Into) || Is(k, Kw::Option) || Is(k, Kw::For);
+  }
+
+  // The select list from k: "alias = expression" becomes "expression AS
+  // alias". Returns where the list ends.
+  size_t EmitSelectList(size_t k, size_t e) {
+    size_t end = k;
+    while (end < e && !EndsSelectList(end)) end = Skip(end);
+    if (Is(end, Kw::Into)) RaiseDialectError("SELECT ... INTO is not supported on SQLite");
+    size_t item = k;
+    while (item < end) {
+      size_t item_end = item;
+      while (item_end < end && !IsOp(item_end, ",")) item_end = Skip(item_end);
+      const bool named = IsOp(item + 1, "=") && item + 2 < item_end &&
+                         (IsAliasWord(item) || At(item).kind == TokenKind::String);
+      if (At(item).kind == TokenKind::Word && At(item).text[0] == '@' && IsOp(item + 1, "=")) {
+        RaiseDialectError("Assigning variables in SELECT is not supported on SQLite");
+      }
+      if (named) {
+        EmitSequence(item + 2, item_end);
+        out_.append(" AS ");
+        if (At(item).kind == TokenKind::String) {
+          out_.push_back('"');
+          out_.append(StringValue(At(item)));
+          out_.push_back('"');
+        } else {
+          EmitText(item);
+        }
+      } else {
+        EmitSequence(item, item_end);
+      }
+      if (item_end < end) EmitToken(item_end);
+      item = item_end + 1;
+    }
+    return end;
+  }
+
+  // ---- DELETE, UPDATE, INSERT ------------------------------------------------------
+
+  // The table sources of a FROM clause; a derived table has name_end kNone.
+  std::vector<FromRef> ParseFromRefs(size_t b, size_t e) const {
+    std::vector<FromRef> refs;
+    bool expect_table = true;
+    size_t k = b;
+    while (k < e) {
+      if (Is(k, Kw::Where) || Is(k, Kw::Group) || Is(k, Kw::Order) || Is(k, Kw::Having) || Is(k, Kw::Option) ||
+          IsCompoundOperator(k)) {
+        break;
+      }
+      if (!expect_table) {
+        if (IsOp(k, ",") || Is(k, Kw::Join)) expect_table = true;
+        k = Skip(k);
+        continue;
+      }
+      expect_table = false;
+      FromRef ref;
+      ref.name_begin = k;
+      ref.name_end = IsOp(k, "(") ? kNone : NameEnd(k, e);
+      k = Skip(k);
+      if (ref.name_end != kNone) k = ref.name_end;
+      if (Is(k, Kw::As) && IsAliasWord(k + 1)) {
+        ref.alias = k + 1;
+        k += 2;
+      } else if (IsAliasWord(k)) {
+        ref.alias = k++;
+      }
+      refs.push_back(ref);
+    }
+    return refs;
+  }
+
+  bool SameName(const NameSplit& a, const NameSplit& b) const {
+    if (a.empty() || b.empty() || !EqualsAsciiNoCase(NameText(a.back()), NameText(b.back()))) return false;
+    if (a.size() >= 2 && b.size() >= 2) return EqualsAsciiNoCase(NameText(a[a.size() - 2]), NameText(b[b.size() - 2]));
+    return true;
+  }
+
+  bool QualifierUsed(std::string_view alias, size_t b, size_t e) const {
+    for (size_t k = b; k + 1 < e; ++k) {
+      if (IsNamePart(k) && IsOp(k + 1, ".") && EqualsAsciiNoCase(NameText(k), alias)) return true;
+    }
+    return false;
+  }
+
+  void EmitDelete(size_t b, size_t e) {
+    size_t k = b + 1;
+    if (Is(k, Kw::Top)) RaiseDialectError("DELETE TOP is not supported on SQLite");
+    const size_t first_from = Is(k, Kw::From) ? k++ : kNone;
+    const size_t target_begin = k;
+    const size_t target_end = NameEnd(k, e);
+    if (target_end == target_begin || IsReserved(target_begin)) RaiseDialectError("DELETE without a table");
+    k = target_end;
+    size_t alias = kNone;
+    if (Is(k, Kw::As) && IsAliasWord(k + 1)) {
+      alias = k + 1;
+      k += 2;
+    } else if (IsAliasWord(k)) {
+      alias = k++;
+    }
+
+    if (!Is(k, Kw::From)) {
+      // DELETE [FROM] table [alias] [WHERE ...]: SQLite takes no alias, so
+      // a statement that uses it deletes through rowid.
+      if (alias != kNone && QualifierUsed(NameText(alias), k, e)) {
+        const std::string table = NameTextOf(target_begin, target_end);
+        const std::string alias_text = Capture([&] { EmitText(alias); });
+        EmitTrivia(b);
+        out_.append("DELETE FROM " + table + " WHERE rowid IN (SELECT " + alias_text + ".rowid FROM " + table +
+                    " AS " + alias_text);
+        EmitSequence(k, e);
+        out_.push_back(')');
+        return;
+      }
+      EmitToken(b);
+      if (first_from != kNone) {
+        EmitToken(first_from);
+      } else {
+        out_.append(" FROM");
+      }
+      EmitName(target_begin, target_end);
+      EmitSequence(k, e);
+      return;
+    }
+
+    // DELETE target FROM table_sources [WHERE ...]
+    const size_t from = k;
+    const std::vector<FromRef> refs = ParseFromRefs(from + 1, e);
+    const NameSplit target = KeptNameParts(target_begin, target_end);
+    const FromRef* chosen = nullptr;
+    if (target.size() == 1) {
+      for (const FromRef& ref : refs) {
+        if (ref.name_end != kNone && ref.alias != kNone &&
+            EqualsAsciiNoCase(NameText(ref.alias), NameText(target[0]))) {
+          chosen = &ref;
+        }
+      }
+    }
+    if (chosen == nullptr) {
+      size_t candidates = 0;
+      for (const FromRef& ref : refs) {
+        if (ref.name_end == kNone) continue;
+        if (!SameName(KeptNameParts(ref.name_begin, ref.name_end), target)) continue;
+        ++candidates;
+        if (chosen == nullptr || (chosen->alias != kNone && ref.alias == kNone)) chosen = &ref;
+      }
+      if (candidates > 1 && chosen->alias != kNone) {
+        RaiseDialectError("DELETE " + NameTextOf(target_begin, target_end) +
+                          ": the table appears more than once in FROM");
+      }
+    }
+    if (chosen == nullptr) {
+      RaiseDialectError("DELETE " + NameTextOf(target_begin, target_end) +
+                        ": the table is not in the FROM clause, which SQLite cannot express");
+    }
+    const std::string table = NameTextOf(chosen->name_begin, chosen->name_end);
+    if (refs.size() == 1 && chosen->alias == kNone) {
+      EmitToken(b);
+      EmitToken(from);
+      EmitName(chosen->name_begin, chosen->name_end);
+      EmitSequence(chosen->name_end, e);
+      return;
+    }
+    const std::string row = chosen->alias != kNone ? Capture([&] { EmitText(chosen->alias); }) : table;
+    EmitTrivia(b);
+    out_.append("DELETE FROM " + table + " WHERE rowid IN (SELECT " + row + ".rowid");
+    EmitToken(from);
+    EmitSequence(from + 1, e);
+    out_.push_back(')');
+  }
+
+  void EmitUpdate(size_t b, size_t e) {
+    size_t k = b + 1;
+    if (Is(k, Kw::Top)) RaiseDialectError("UPDATE TOP is not supported on SQLite");
+    const size_t target_begin = k;
+    const size_t target_end = NameEnd(k, e);
+    if (target_end == target_begin) RaiseDialectError("UPDATE without a table");
+    size_t set = target_end;
+    while (set < e && !Is(set, Kw::Set)) set = Skip(set);
+    if (set == e) RaiseDialectError("UPDATE without SET");
+    size_t set_end = set + 1;
+    while (set_end < e && !Is(set_end, Kw::From) && !Is(set_end, Kw::Where) && !Is(set_end, Kw::Option)) {
+      set_end = Skip(set_end);
+    }
+    if (Is(set_end, Kw::From)) {
+      const NameSplit target = KeptNameParts(target_begin, target_end);
+      for (const FromRef& ref : ParseFromRefs(set_end + 1, e)) {
+        if (ref.name_end == kNone) continue;
+        const bool by_alias = ref.alias != kNone && target.size() == 1 &&
+                              EqualsAsciiNoCase(NameText(ref.alias), NameText(target[0]));
+        if (by_alias || SameName(KeptNameParts(ref.name_begin, ref.name_end), target)) {
+          RaiseDialectError("UPDATE ... FROM that names the updated table again is not supported on SQLite");
+        }
+      }
+    }
+    EmitToken(b);
+    EmitName(target_begin, target_end);
+    EmitSequence(target_end, set + 1);
+    // SET t.column = ...: SQLite names the column alone.
+    size_t item = set + 1;
+    while (item < set_end) {
+      size_t item_end = item;
+      while (item_end < set_end && !IsOp(item_end, ",")) item_end = Skip(item_end);
+      const size_t name_end = NameEnd(item, item_end);
+      const NameSplit parts = NameParts(item, name_end);
+      if (parts.size() > 1 && parts.back() != kNone && IsOp(name_end, "=")) {
+        EmitTrivia(item);
+        EmitText(parts.back());
+        EmitSequence(name_end, item_end);
+      } else {
+        EmitSequence(item, item_end);
+      }
+      if (item_end < set_end) EmitToken(item_end);
+      item = item_end + 1;
+    }
+    EmitSequence(set_end, e);
+  }
+
+  void EmitInsert(size_t b, size_t e) {
+    size_t k = b + 1;
+    if (Is(k, Kw::Top)) RaiseDialectError("INSERT TOP is not supported on SQLite");
+    for (size_t j = k; j < e; j = Skip(j)) {
+      if (Is(j, Kw::Exec) || Is(j, Kw::Execute)) RaiseDialectError("INSERT ... EXEC is not supported on SQLite");
+    }
+    EmitToken(b);
+    if (Is(k, Kw::Into)) {
+      EmitToken(k++);
+    } else {
+      out_.append(" INTO");
+    }
+    const size_t target_end = NameEnd(k, e);
+    if (target_end == k) RaiseDialectError("INSERT without a table");
+    EmitName(k, target_end);
+    EmitSequence(target_end, e);
+  }
+
+  std::string_view sql_;
+  std::vector<Token> tokens_;
+  std::vector<Sig> sig_;
+  size_t n_ = 0;
+  Token end_token_{};
+  std::string out_;
+};
+
+}  // namespace
+
+std::string TranslateToSqlite(std::string_view tsql) { return Translator(tsql).Run(); }
+
+}  // namespace vek::dialect
