@@ -15,6 +15,12 @@ namespace {
 // statement texts over and over.
 constexpr size_t kMaxCachedTranslations = 2048;
 
+void RefuseMoreThanOneStatement(const std::string& text) {
+  if (dialect::HoldsMoreThanOneStatement(text)) {
+    RaiseDbError(adErrSyntax, "vek", "Only one statement may be run per call; the text holds more than one.");
+  }
+}
+
 }  // namespace
 
 Connection::Connection() : clock_(std::make_shared<SystemClock>()) {}
@@ -86,10 +92,7 @@ Driver& Connection::OpenDriverOrRaise(const char* object) {
 const std::string& Connection::Translate(const std::string& text) {
   if (auto hit = translations_.find(text); hit != translations_.end()) return hit->second;
   // Only text that passed the guard is cached, so a cached text skips it.
-  if (dialect::HoldsMoreThanOneStatement(text)) {
-    RaiseDbError(adErrSyntax, "vek",
-                 "Only one statement may be run per call; the text holds more than one.");
-  }
+  RefuseMoreThanOneStatement(text);
   std::string translated;
   switch (driver_->SqlDialect()) {
     case Dialect::SQLite: translated = dialect::TranslateToSqlite(text); break;
@@ -101,10 +104,17 @@ const std::string& Connection::Translate(const std::string& text) {
   return translations_.emplace(text, std::move(translated)).first->second;
 }
 
-QueryResult Connection::RunStatement(const std::string& text, std::span<const Variant> parameters) {
+QueryResult Connection::RunStatement(const std::string& text, std::span<const Variant> parameters,
+                                     bool translate) {
   Driver& driver = OpenDriverOrRaise("ADODB.Connection");
   NotifyStatement(text);
-  return driver.Run(Translate(text), parameters);
+  if (translate) return driver.Run(Translate(text), parameters);
+  RefuseMoreThanOneStatement(text);
+  return driver.Run(text, parameters);
+}
+
+int32_t Connection::ExecuteNative(const std::string& text) {
+  return static_cast<int32_t>(RunStatement(text, {}, false).records_affected);
 }
 
 std::optional<int64_t> Connection::InsertRow(const RowWrite& row) {

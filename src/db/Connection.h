@@ -55,6 +55,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::shared_ptr<Recordset> Execute(const std::string& text, int32_t& records_affected,
                                      int32_t options = adOptionUnspecified);
 
+  // Runs text already written in the connection's own dialect (the schema's
+  // DDL): the hook sees it and the one-statement guard holds, but nothing is
+  // translated.
+  int32_t ExecuteNative(const std::string& text);
+
   // Every statement's text, exactly as built, before it runs. An empty hook
   // removes the current one.
   void OnStatement(StatementHook hook);
@@ -68,7 +73,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   const Procedure* FindProcedure(const std::string& name) const;
 
   // The choke point (used by Recordset and Command as well).
-  QueryResult RunStatement(const std::string& text, std::span<const Variant> parameters = {});
+  QueryResult RunStatement(const std::string& text, std::span<const Variant> parameters = {},
+                           bool translate = true);
   // Writes a row back through the driver; raises 3704 when closed.
   std::optional<int64_t> InsertRow(const RowWrite& row);
   int64_t UpdateRow(const RowWrite& row);

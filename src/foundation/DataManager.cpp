@@ -1,0 +1,39 @@
+#include "vek/foundation/DataManager.h"
+
+#include "vek/db/Connection.h"
+#include "vek/db/Recordset.h"
+#include "vek/foundation/MessageCatalogue.h"
+
+namespace vek {
+
+std::shared_ptr<cgpSistema> DataManager::Ob_cgpSistema() const {
+  if (!session_) RaiseRuntimeError(kObjectVariableNotSet);
+  return session_;
+}
+
+std::shared_ptr<Connection> DataManager::SessionConnection() const {
+  return Ob_cgpSistema()->Ob_Conexao();
+}
+
+std::shared_ptr<Recordset> DataManager::OpenStatement() {
+  const cgpSistema& session = *Ob_cgpSistema();
+  auto recordset = std::make_shared<Recordset>();
+  recordset->Open(ds_sql_, SessionConnection(), static_cast<CursorTypeEnum>(CLng(session.Get("Cursor"))),
+                  static_cast<LockTypeEnum>(CLng(session.Get("LockType"))));
+  return recordset;
+}
+
+int32_t DataManager::ExecuteStatement() {
+  int32_t affected = 0;
+  SessionConnection()->Execute(ds_sql_, affected, adOptionUnspecified);
+  return affected;
+}
+
+void DataManager::RequireNoApostrophe(std::string_view field, std::string_view value) const {
+  if (value.find('\'') == std::string_view::npos) return;
+  throw VekError(kBusinessError, std::string(),
+                 "O campo " + std::string(field) +
+                     " não pode conter apóstrofo ('): o valor foi recusado antes de ir ao banco de dados");
+}
+
+}  // namespace vek

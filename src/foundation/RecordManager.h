@@ -1,0 +1,106 @@
+#pragma once
+// The persistence protocol that every record's data manager follows: the
+// eleven members (Ob_cgp, Ob_cgpSistema, Excluir, Consultar, Salvar,
+// Alterar, Incluir, temCampoSequencial, nomeCamposSequencial). A record's
+// class gives its table and key columns and overrides only the statements
+// that differ from the standard ones:
+//
+//   DELETE  / FROM   Tb / WHERE  k1 = v1 / "       And k2 = v2"
+//   SELECT A.* / FROM   Tb A / WHERE  A.k1 = v1 / "       and A.k2 = v2" / ;
+//
+// each clause followed by a single carriage return; text keys between
+// single quotes as they stand (refused when they hold an apostrophe).
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vek/foundation/DataManager.h"
+#include "vek/foundation/cgp.h"
+#include "vek/schema/Catalogue.h"
+
+namespace vek {
+
+class RecordManager : public DataManager {
+ public:
+  // Deletes the record of the key; a key of 0 resets Ob_cgp and raises
+  // 0x80040201; no row is no error.
+  void Excluir();
+  // Saves: an update when the row is there, else an insert (a key of 0 is
+  // always an insert, under a fresh number for numbered columns).
+  void Salvar();
+  // Updates the row of the key (0x80040201 for key 0, 0x80040202 when it is
+  // not there); numbered columns keep their stored values.
+  void Alterar(bool Ic_Salvando = false);
+  // Inserts the record; numbered columns left at 0 get a fresh number, which
+  // is in Ob_cgp afterwards.
+  void Incluir();
+
+  // The columns whose values come from the database or the numbering table.
+  virtual bool temCampoSequencial() const;
+  virtual std::vector<std::string> nomeCamposSequencial() const;
+
+  // The property object as the protocol sees it.
+  virtual cgp& RecordObject() = 0;
+
+ protected:
+  // `key_columns` in the order the statements write them (the table's
+  // primary key when empty).
+  explicit RecordManager(std::string_view table, std::vector<std::string_view> key_columns = {});
+
+  // Loads the record of the key into the property object (the shared part
+  // of Consultar).
+  void ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegistro);
+
+  // True when the key is not given: a numeric key column 0 or a text one empty.
+  virtual bool KeyMissing();
+  virtual std::string DeleteStatement();
+  // The statement of Consultar and Alterar.
+  virtual std::string SelectStatement();
+  // The statement of Incluir: the table's columns and no row.
+  virtual std::string EmptySelectStatement();
+
+  // A key value as the statements write it: digits, or text between quotes.
+  std::string KeyLiteral(std::string_view column);
+  // "WHERE  prefix.k1 = v1" and the further key lines.
+  void AddKeyClauses(SqlLines& sql, std::string_view prefix, std::string_view and_word, bool zero_keys);
+
+  const schema::TableDef& Table() const { return *table_; }
+
+ private:
+  void NumberNewRecord();
+
+  const schema::TableDef* table_;
+  std::vector<std::string> key_columns_;
+};
+
+// The typed face of the protocol for a record's property class.
+template <class Cgp>
+class cgdRecord : public RecordManager {
+ public:
+  std::shared_ptr<Cgp> Ob_cgp() {
+    if (!record_) record_ = std::make_shared<Cgp>();
+    return record_;
+  }
+  void Ob_cgp(std::shared_ptr<Cgp> record) { record_ = std::move(record); }
+
+  // Loads the record of the key; a row that is not there resets Ob_cgp to
+  // its defaults, or raises 0x80040202 when Ic_RestaurarDefaulSeNaoEcontrarRegistro is false.
+  virtual std::shared_ptr<Cgp> Consultar(bool Ic_RestaurarDefaulSeNaoEcontrarRegistro = true) {
+    return Run("Consultar", [&] {
+      ConsultarRegistro(Ic_RestaurarDefaulSeNaoEcontrarRegistro);
+      return Ob_cgp();
+    });
+  }
+
+  cgp& RecordObject() override { return *Ob_cgp(); }
+
+ protected:
+  using RecordManager::RecordManager;
+
+ private:
+  std::shared_ptr<Cgp> record_;
+};
+
+}  // namespace vek

@@ -1,0 +1,118 @@
+#include "vek/foundation/cgp.h"
+
+#include <mutex>
+
+#include "vek/foundation/VekError.h"
+#include "vek/platform/Text.h"
+#include "vek/schema/Catalogue.h"
+
+namespace vek {
+namespace {
+
+PropertyType TypeOfColumn(schema::ColumnType type) {
+  switch (type) {
+    case schema::ColumnType::Int: return PropertyType::Long;
+    case schema::ColumnType::SmallInt: return PropertyType::Integer;
+    case schema::ColumnType::TinyInt: return PropertyType::Byte;
+    case schema::ColumnType::Bit: return PropertyType::Boolean;
+    case schema::ColumnType::Money: return PropertyType::Currency;
+    case schema::ColumnType::DateTime: return PropertyType::Date;
+    case schema::ColumnType::VarChar:
+    case schema::ColumnType::Char: return PropertyType::String;
+    case schema::ColumnType::Float: return PropertyType::Double;
+  }
+  return PropertyType::Variant;
+}
+
+}  // namespace
+
+PropertyList::PropertyList(std::vector<PropertyDef> properties) : properties_(std::move(properties)) {
+  for (size_t i = 0; i < properties_.size(); ++i) {
+    by_name_.emplace(FoldCase(properties_[i].name), static_cast<int32_t>(i));
+  }
+}
+
+std::shared_ptr<const PropertyList> PropertyList::ForTable(std::string_view table,
+                                                           std::vector<PropertyDef> extra) {
+  const schema::TableDef* definition = schema::FindTable(table);
+  if (!definition) RaiseRuntimeError(kInvalidProcedureCall);
+  std::vector<PropertyDef> properties;
+  properties.reserve(definition->columns.size() + extra.size());
+  for (const schema::ColumnDef& column : definition->columns) {
+    properties.push_back({std::string(column.name), TypeOfColumn(column.type)});
+  }
+  for (PropertyDef& property : extra) properties.push_back(std::move(property));
+  return std::make_shared<const PropertyList>(std::move(properties));
+}
+
+int32_t PropertyList::IndexOf(std::string_view name) const {
+  const auto hit = by_name_.find(FoldCase(name));
+  return hit == by_name_.end() ? -1 : hit->second;
+}
+
+std::shared_ptr<const PropertyList> TableProperties(std::string_view table,
+                                                    std::vector<PropertyDef> extra) {
+  static std::mutex mutex;
+  static std::unordered_map<std::string, std::shared_ptr<const PropertyList>> lists;
+  std::lock_guard lock(mutex);
+  auto& list = lists[FoldCase(table)];
+  if (!list) list = PropertyList::ForTable(table, std::move(extra));
+  return list;
+}
+
+Variant DefaultValue(PropertyType type) {
+  switch (type) {
+    case PropertyType::Boolean: return false;
+    case PropertyType::Byte: return uint8_t{0};
+    case PropertyType::Integer: return int16_t{0};
+    case PropertyType::Long: return int32_t{0};
+    case PropertyType::Double: return 0.0;
+    case PropertyType::Currency: return Currency();
+    case PropertyType::Date: return Date();
+    case PropertyType::String: return std::string();
+    case PropertyType::Variant: return Variant();
+  }
+  return Variant();
+}
+
+Variant ConvertToProperty(const Variant& value, PropertyType type) {
+  // A typed property refuses Null as a late-bound assignment did: type mismatch.
+  if (value.IsNull() && type != PropertyType::Variant) RaiseRuntimeError(kTypeMismatch);
+  switch (type) {
+    case PropertyType::Boolean: return CBool(value);
+    case PropertyType::Byte: return CByte(value);
+    case PropertyType::Integer: return CInt(value);
+    case PropertyType::Long: return CLng(value);
+    case PropertyType::Double: return CDbl(value);
+    case PropertyType::Currency: return CCur(value);
+    case PropertyType::Date: return CDate(value);
+    case PropertyType::String: return CStr(value);
+    case PropertyType::Variant: return value;
+  }
+  return value;
+}
+
+cgp::cgp(std::shared_ptr<const PropertyList> properties) : properties_(std::move(properties)) {
+  values_.resize(static_cast<size_t>(properties_->Count()));
+  cgp::RestaurarDefault();
+}
+
+Variant cgp::Get(std::string_view name) const {
+  const int32_t index = properties_->IndexOf(name);
+  if (index < 0) RaiseRuntimeError(kObjectDoesNotSupportProperty);
+  return values_[static_cast<size_t>(index)];
+}
+
+void cgp::Let(std::string_view name, const Variant& value) {
+  const int32_t index = properties_->IndexOf(name);
+  if (index < 0) RaiseRuntimeError(kObjectDoesNotSupportProperty);
+  values_[static_cast<size_t>(index)] = ConvertToProperty(value, properties_->At(index).type);
+}
+
+void cgp::RestaurarDefault() {
+  for (int32_t i = 0; i < properties_->Count(); ++i) {
+    values_[static_cast<size_t>(i)] = DefaultValue(properties_->At(i).type);
+  }
+}
+
+}  // namespace vek

@@ -1,0 +1,95 @@
+#include "vek/foundation/cgpSistema.h"
+
+#include "vek/db/Connection.h"
+#include "vek/foundation/SessionSettings.h"
+#include "vek/foundation/VekError.h"
+#include "vek/platform/Clock.h"
+#include "vek/platform/Text.h"
+
+namespace vek {
+namespace {
+
+constexpr std::string_view kConnectionStringProperty = "Ds_StringConexaoDB";
+
+std::shared_ptr<const PropertyList> SessionProperties() {
+  static const std::shared_ptr<const PropertyList> list = [] {
+    std::vector<PropertyDef> properties;
+    for (const SettingDef& setting : SessionSettings()) {
+      properties.push_back({std::string(setting.property), setting.type});
+    }
+    return std::make_shared<const PropertyList>(std::move(properties));
+  }();
+  return list;
+}
+
+}  // namespace
+
+cgpSistema::cgpSistema() : cgp(SessionProperties()), clock_(std::make_shared<SystemClock>()) {
+  cgpSistema::RestaurarDefault();
+}
+
+void cgpSistema::RestaurarDefault() {
+  cgp::RestaurarDefault();
+  // A session that was never configured works on the embedded database with
+  // the cursor and lock that the list loaders always use.
+  cgp::Let("Cd_DB", Variant(static_cast<int32_t>(BancoDadosSQLite3)));
+  cgp::Let("Cursor", Variant(static_cast<int32_t>(adOpenKeyset)));
+  cgp::Let("LockType", Variant(static_cast<int32_t>(adLockOptimistic)));
+}
+
+Variant cgpSistema::Get(std::string_view name) const {
+  if (EqualsIgnoreCase(name, kConnectionStringProperty)) return Ds_StringConexaoDB();
+  return cgp::Get(name);
+}
+
+void cgpSistema::Let(std::string_view name, const Variant& value) {
+  if (EqualsIgnoreCase(name, kConnectionStringProperty)) {
+    RaiseRuntimeError(kObjectDoesNotSupportProperty);
+  }
+  cgp::Let(name, value);
+}
+
+bool cgpSistema::HasProperty(std::string_view name) const {
+  return EqualsIgnoreCase(name, kConnectionStringProperty) || cgp::HasProperty(name);
+}
+
+std::string cgpSistema::Ds_StringConexaoDB() const {
+  const int32_t kind = CLng(cgp::Get("Cd_DB"));
+  const std::string path = CStr(cgp::Get("Ds_CaminhoDB"));
+  switch (kind) {
+    case 0:
+    case BancoDadosSQLite3: return "Driver=SQLite3;Database=" + path;
+    default: {
+      // The server kinds speak ODBC: server, database and password as given.
+      return "Driver={SQL Server};Server=" + CStr(cgp::Get("Nm_ServidorDB")) + ";Database=" + path +
+             ";Pwd=" + CStr(cgp::Get("Ds_SenhaDB"));
+    }
+  }
+}
+
+std::shared_ptr<Connection> cgpSistema::AbrirConexao() {
+  auto connection = std::make_shared<Connection>();
+  connection->SetClock(clock_);
+  connection->Open(Ds_StringConexaoDB());
+  connection_ = connection;
+  return connection;
+}
+
+std::shared_ptr<Connection> cgpSistema::Ob_Conexao() const {
+  if (!connection_) RaiseRuntimeError(kObjectVariableNotSet);
+  return connection_;
+}
+
+void cgpSistema::Ob_Conexao(std::shared_ptr<Connection> connection) {
+  connection_ = std::move(connection);
+  if (connection_) connection_->SetClock(clock_);
+}
+
+void cgpSistema::SetClock(std::shared_ptr<Clock> clock) {
+  clock_ = clock ? std::move(clock) : std::make_shared<SystemClock>();
+  if (connection_) connection_->SetClock(clock_);
+}
+
+Date cgpSistema::Now() const { return clock_->Now(); }
+
+}  // namespace vek

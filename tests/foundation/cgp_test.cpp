@@ -1,0 +1,92 @@
+#include "vek/foundation/cgp.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "vek/foundation/VekError.h"
+
+namespace vek {
+namespace {
+
+class cgpTeste : public cgp {
+ public:
+  cgpTeste()
+      : cgp(std::make_shared<const PropertyList>(std::vector<PropertyDef>{
+            {"Cd_Bairro", PropertyType::Long},
+            {"Nm_Bairro", PropertyType::String},
+            {"Qt_Vagas", PropertyType::Integer},
+            {"Vl_Tarifa", PropertyType::Currency},
+            {"Dt_Cadastro", PropertyType::Date},
+            {"Ic_Ativo", PropertyType::Boolean},
+            {"Ob_Qualquer", PropertyType::Variant}})) {}
+};
+
+int32_t ErrorNumberOf(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const VekError& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(cgp, PropertiesAreReadAndWrittenByNameInAnyCaseAndTakeTheirType) {
+  cgpTeste record;
+  record.Let("cd_bairro", Variant("42"));
+  EXPECT_EQ(record.Get("CD_BAIRRO"), Variant(42));
+  record.Let("Qt_Vagas", Variant(2.5));
+  EXPECT_EQ(record.Get("Qt_Vagas"), Variant(int16_t{2}));  // half to even
+  record.Let("Vl_Tarifa", Variant(3.75));
+  EXPECT_EQ(record.Get("Vl_Tarifa"), Variant(Currency::FromRaw(37500)));
+  record.Let("Dt_Cadastro", Variant("21/11/2026 10:30"));
+  EXPECT_EQ(record.Get("Dt_Cadastro"), Variant(DateSerial(2026, 11, 21) + TimeSerial(10, 30, 0)));
+  record.Let("Ic_Ativo", Variant(-1));
+  EXPECT_EQ(record.Get("Ic_Ativo"), Variant(true));
+  record.Let("Nm_Bairro", Variant(7));
+  EXPECT_EQ(record.Get("Nm_Bairro"), Variant("7"));
+  record.Let("Ob_Qualquer", Variant::Null());
+  EXPECT_TRUE(record.Get("Ob_Qualquer").IsNull());
+}
+
+TEST(cgp, UnknownNamesAndRefusedValuesRaiseTheClassicErrors) {
+  cgpTeste record;
+  record.Let("Cd_Bairro", Variant(5));
+  EXPECT_EQ(ErrorNumberOf([&] { record.Get("Cd_Cidade"); }), 438);
+  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Cd_Cidade", Variant(1)); }), 438);
+  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Cd_Bairro", Variant("abc")); }), 13);
+  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Nm_Bairro", Variant::Null()); }), 13);
+  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Qt_Vagas", Variant(40000)); }), 6);
+  // A refused value leaves the property as it was.
+  EXPECT_EQ(record.Get("Cd_Bairro"), Variant(5));
+  EXPECT_FALSE(record.HasProperty("Cd_Cidade"));
+  EXPECT_TRUE(record.HasProperty("nm_BAIRRO"));
+}
+
+TEST(cgp, RestaurarDefaultResetsEveryPropertyToItsTypesDefault) {
+  cgpTeste record;
+  record.Let("Cd_Bairro", Variant(5));
+  record.Let("Nm_Bairro", Variant("Centro"));
+  record.Let("Dt_Cadastro", Variant(DateSerial(2026, 1, 1)));
+  record.Let("Ic_Ativo", Variant(true));
+  record.RestaurarDefault();
+  EXPECT_EQ(record.Get("Cd_Bairro"), Variant(0));
+  EXPECT_EQ(record.Get("Nm_Bairro"), Variant(""));
+  EXPECT_EQ(record.Get("Qt_Vagas"), Variant(int16_t{0}));
+  EXPECT_EQ(record.Get("Vl_Tarifa"), Variant(Currency()));
+  EXPECT_EQ(record.Get("Dt_Cadastro"), Variant(Date()));
+  EXPECT_EQ(record.Get("Ic_Ativo"), Variant(false));
+  EXPECT_TRUE(record.Get("Ob_Qualquer").IsEmpty());
+}
+
+TEST(cgp, ListsForCatalogueTablesCarryTheColumnsAndTheExtras) {
+  const auto list = PropertyList::ForTable("tbbairro", {{"Qt_Extra", PropertyType::Long}});
+  EXPECT_GE(list->IndexOf("Cd_Bairro"), 0);
+  EXPECT_EQ(list->At(list->IndexOf("Cd_Bairro")).type, PropertyType::Long);
+  EXPECT_EQ(list->At(list->IndexOf("Nm_Bairro")).type, PropertyType::String);
+  EXPECT_EQ(list->IndexOf("Qt_Extra"), list->Count() - 1);
+  EXPECT_EQ(ErrorNumberOf([] { PropertyList::ForTable("TbNada"); }), 5);
+}
+
+}  // namespace
+}  // namespace vek
