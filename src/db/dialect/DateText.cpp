@@ -1,5 +1,8 @@
 #include "vek/db/dialect/DateText.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace vek::dialect {
 namespace {
 
@@ -124,7 +127,8 @@ std::optional<DateTimeParts> PartsOf(int64_t moment) {
   const int64_t day_of_era = z - era * 146097;
   const int64_t year_of_era =
       (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
-  const int64_t day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
+  const int64_t day_of_year =
+      day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
   const int64_t shifted_month = (5 * day_of_year + 2) / 153;
   const int64_t day = day_of_year - (153 * shifted_month + 2) / 5 + 1;
   const int64_t month = shifted_month < 10 ? shifted_month + 3 : shifted_month - 9;
@@ -218,16 +222,21 @@ std::optional<DatePart> ParseDatePart(std::string_view name) {
     DatePart part;
   };
   static constexpr Entry kEntries[] = {
-      {"year", DatePart::Year},           {"yy", DatePart::Year},          {"yyyy", DatePart::Year},
-      {"quarter", DatePart::Quarter},     {"qq", DatePart::Quarter},       {"q", DatePart::Quarter},
-      {"month", DatePart::Month},         {"mm", DatePart::Month},         {"m", DatePart::Month},
-      {"dayofyear", DatePart::DayOfYear}, {"dy", DatePart::DayOfYear},     {"y", DatePart::DayOfYear},
-      {"day", DatePart::Day},             {"dd", DatePart::Day},           {"d", DatePart::Day},
-      {"week", DatePart::Week},           {"wk", DatePart::Week},          {"ww", DatePart::Week},
-      {"weekday", DatePart::Weekday},     {"dw", DatePart::Weekday},       {"w", DatePart::Weekday},
-      {"hour", DatePart::Hour},           {"hh", DatePart::Hour},          {"minute", DatePart::Minute},
-      {"mi", DatePart::Minute},           {"n", DatePart::Minute},         {"second", DatePart::Second},
-      {"ss", DatePart::Second},           {"s", DatePart::Second},         {"millisecond", DatePart::Millisecond},
+      {"year", DatePart::Year},       {"yy", DatePart::Year},
+      {"yyyy", DatePart::Year},       {"quarter", DatePart::Quarter},
+      {"qq", DatePart::Quarter},      {"q", DatePart::Quarter},
+      {"month", DatePart::Month},     {"mm", DatePart::Month},
+      {"m", DatePart::Month},         {"dayofyear", DatePart::DayOfYear},
+      {"dy", DatePart::DayOfYear},    {"y", DatePart::DayOfYear},
+      {"day", DatePart::Day},         {"dd", DatePart::Day},
+      {"d", DatePart::Day},           {"week", DatePart::Week},
+      {"wk", DatePart::Week},         {"ww", DatePart::Week},
+      {"weekday", DatePart::Weekday}, {"dw", DatePart::Weekday},
+      {"w", DatePart::Weekday},       {"hour", DatePart::Hour},
+      {"hh", DatePart::Hour},         {"minute", DatePart::Minute},
+      {"mi", DatePart::Minute},       {"n", DatePart::Minute},
+      {"second", DatePart::Second},   {"ss", DatePart::Second},
+      {"s", DatePart::Second},        {"millisecond", DatePart::Millisecond},
       {"ms", DatePart::Millisecond},
   };
   for (const Entry& entry : kEntries) {
@@ -245,29 +254,36 @@ std::optional<DatePart> ParseDatePart(std::string_view name) {
 
 std::string_view DatePartName(DatePart part) {
   switch (part) {
-    case DatePart::Year: return "year";
-    case DatePart::Quarter: return "quarter";
-    case DatePart::Month: return "month";
-    case DatePart::DayOfYear: return "dayofyear";
-    case DatePart::Day: return "day";
-    case DatePart::Week: return "week";
-    case DatePart::Weekday: return "weekday";
-    case DatePart::Hour: return "hour";
-    case DatePart::Minute: return "minute";
-    case DatePart::Second: return "second";
-    case DatePart::Millisecond: return "millisecond";
+    case DatePart::Year:
+      return "year";
+    case DatePart::Quarter:
+      return "quarter";
+    case DatePart::Month:
+      return "month";
+    case DatePart::DayOfYear:
+      return "dayofyear";
+    case DatePart::Day:
+      return "day";
+    case DatePart::Week:
+      return "week";
+    case DatePart::Weekday:
+      return "weekday";
+    case DatePart::Hour:
+      return "hour";
+    case DatePart::Minute:
+      return "minute";
+    case DatePart::Second:
+      return "second";
+    case DatePart::Millisecond:
+      return "millisecond";
   }
   return "day";
 }
 
 bool IsSupportedDateStyle(int64_t style) {
-  switch (style) {
-    case 0: case 100: case 1: case 101: case 3: case 103: case 4: case 104: case 5: case 105:
-    case 8: case 108: case 12: case 112: case 20: case 120: case 21: case 121: case 23: case 126:
-      return true;
-    default:
-      return false;
-  }
+  static constexpr int64_t kStyles[] = {0,   1,   3,   4,   5,   8,   12,  20,  21,  23,
+                                        100, 101, 103, 104, 105, 108, 112, 120, 121, 126};
+  return std::find(std::begin(kStyles), std::end(kStyles), style) != std::end(kStyles);
 }
 
 std::string FormatDateStyle(const DateTimeParts& parts, int64_t style) {
@@ -323,13 +339,21 @@ std::string FormatDateStyle(const DateTimeParts& parts, int64_t style) {
       year();
       return out;
     case 3:
-    case 103: day_month_year('/'); return out;
+    case 103:
+      day_month_year('/');
+      return out;
     case 4:
-    case 104: day_month_year('.'); return out;
+    case 104:
+      day_month_year('.');
+      return out;
     case 5:
-    case 105: day_month_year('-'); return out;
+    case 105:
+      day_month_year('-');
+      return out;
     case 8:
-    case 108: time(); return out;
+    case 108:
+      time();
+      return out;
     case 12:
     case 112:
       year();

@@ -43,7 +43,17 @@ std::string FormatCanonical(const DateTimeParts& parts);
 
 // SQL Server's date parts, as DATEDIFF, DATEADD and DATEPART name them.
 enum class DatePart {
-  Year, Quarter, Month, DayOfYear, Day, Week, Weekday, Hour, Minute, Second, Millisecond
+  Year,
+  Quarter,
+  Month,
+  DayOfYear,
+  Day,
+  Week,
+  Weekday,
+  Hour,
+  Minute,
+  Second,
+  Millisecond
 };
 // The full names and SQL Server's abbreviations ("yy", "mm", "dd", "n", "mi",
 // "ss"...), any case; anything else gives nullopt.

@@ -105,17 +105,17 @@ std::string_view TrimTrailingSpaces(std::string_view text) {
 // accented letters sort beside their base letter; '.' marks a letter that
 // sorts on its own (Æ, Ð, ×, Þ, ß, Ĳ, Œ ...).
 constexpr char kBaseLetters[] =
-    "aaaaaa.ceeeeiiii"  // C0
-    ".nooooo.ouuuuy.."  // D0
-    "aaaaaa.ceeeeiiii"  // E0
-    ".nooooo.ouuuuy.y"  // F0
-    "aaaaaaccccccccdd"  // 100
-    "ddeeeeeeeeeegggg"  // 110
-    "gggghhhhiiiiiiii"  // 120
-    "ii..jjkkklllllll"  // 130
-    "lllnnnnnnnnnoooo"  // 140
-    "oo..rrrrrrssssss"  // 150
-    "ssttttttuuuuuuuu"  // 160
+    "aaaaaa.ceeeeiiii"   // C0
+    ".nooooo.ouuuuy.."   // D0
+    "aaaaaa.ceeeeiiii"   // E0
+    ".nooooo.ouuuuy.y"   // F0
+    "aaaaaaccccccccdd"   // 100
+    "ddeeeeeeeeeegggg"   // 110
+    "gggghhhhiiiiiiii"   // 120
+    "ii..jjkkklllllll"   // 130
+    "lllnnnnnnnnnoooo"   // 140
+    "oo..rrrrrrssssss"   // 150
+    "ssttttttuuuuuuuu"   // 160
     "uuuuwwyyyzzzzzzs";  // 170
 static_assert(sizeof(kBaseLetters) - 1 == 0x180 - 0xC0, "one base letter per character");
 
@@ -174,7 +174,8 @@ LikePattern CompileLike(std::string_view pattern, char32_t escape) {
       }
       element.folded = LowerChar(NextChar(pattern, pos));
     } else if (c == '%') {
-      if (!compiled.elements.empty() && compiled.elements.back().kind == LikeElement::Kind::Many) continue;
+      if (!compiled.elements.empty() && compiled.elements.back().kind == LikeElement::Kind::Many)
+        continue;
       element.kind = LikeElement::Kind::Many;
     } else if (c == '_') {
       element.kind = LikeElement::Kind::One;
@@ -207,9 +208,12 @@ LikePattern CompileLike(std::string_view pattern, char32_t escape) {
 
 bool ElementMatches(const LikePattern& pattern, const LikeElement& element, char32_t c) {
   switch (element.kind) {
-    case LikeElement::Kind::Char: return LowerChar(c) == element.folded;
-    case LikeElement::Kind::One: return true;
-    case LikeElement::Kind::Many: return true;
+    case LikeElement::Kind::Char:
+      return LowerChar(c) == element.folded;
+    case LikeElement::Kind::One:
+      return true;
+    case LikeElement::Kind::Many:
+      return true;
     case LikeElement::Kind::Set: {
       bool inside = false;
       for (uint32_t r = element.set_begin; r < element.set_end && !inside; ++r) {
@@ -302,9 +306,12 @@ std::optional<ParsedNumber> ParseNumber(std::string_view text) {
 // A number argument; nullopt for NULL.
 std::optional<double> NumberArg(sqlite3_value* value) {
   switch (sqlite3_value_type(value)) {
-    case SQLITE_NULL: return std::nullopt;
-    case SQLITE_INTEGER: return static_cast<double>(sqlite3_value_int64(value));
-    case SQLITE_FLOAT: return sqlite3_value_double(value);
+    case SQLITE_NULL:
+      return std::nullopt;
+    case SQLITE_INTEGER:
+      return static_cast<double>(sqlite3_value_int64(value));
+    case SQLITE_FLOAT:
+      return sqlite3_value_double(value);
     default: {
       const std::string_view text = TextOf(value);
       const auto number = ParseNumber(text);
@@ -319,7 +326,8 @@ std::optional<int64_t> IntegerArg(sqlite3_value* value) {
   if (sqlite3_value_type(value) == SQLITE_INTEGER) return sqlite3_value_int64(value);
   const auto number = NumberArg(value);
   if (!number) return std::nullopt;
-  if (std::fabs(*number) > 9.2e18) throw SqlFailure{"Arithmetic overflow error converting expression to data type int."};
+  if (std::fabs(*number) > 9.2e18)
+    throw SqlFailure{"Arithmetic overflow error converting expression to data type int."};
   return static_cast<int64_t>(std::trunc(*number));
 }
 
@@ -337,11 +345,13 @@ int64_t CheckedMoment(double moment) {
 // 1900-01-01, as SQL Server reads them.
 std::optional<int64_t> MomentArg(sqlite3_value* value) {
   switch (sqlite3_value_type(value)) {
-    case SQLITE_NULL: return std::nullopt;
+    case SQLITE_NULL:
+      return std::nullopt;
     case SQLITE_INTEGER:
     case SQLITE_FLOAT:
-      return CheckedMoment(static_cast<double>(kMomentOf1900) +
-                           std::round(sqlite3_value_double(value) * static_cast<double>(kMillisecondsPerDay)));
+      return CheckedMoment(
+          static_cast<double>(kMomentOf1900) +
+          std::round(sqlite3_value_double(value) * static_cast<double>(kMillisecondsPerDay)));
     default: {
       const auto parts = ParseDateText(TextOf(value), true);
       if (!parts) throw SqlFailure{kDateConversionFailed};
@@ -382,8 +392,10 @@ int64_t AddMonths(int64_t moment, int64_t months) {
   const int64_t month = total >= 0 ? total % 12 + 1 : 1;
   if (year < 1 || year > 9999) throw SqlFailure{kDateOverflow};
   const int64_t time_of_day = moment % kMillisecondsPerDay;
-  const int32_t day = std::min(parts.day, DaysInMonth(static_cast<int32_t>(year), static_cast<int32_t>(month)));
-  return DayNumber(static_cast<int32_t>(year), static_cast<int32_t>(month), day) * kMillisecondsPerDay +
+  const int32_t day =
+      std::min(parts.day, DaysInMonth(static_cast<int32_t>(year), static_cast<int32_t>(month)));
+  return DayNumber(static_cast<int32_t>(year), static_cast<int32_t>(month), day) *
+             kMillisecondsPerDay +
          time_of_day;
 }
 
@@ -393,19 +405,27 @@ int64_t DateDiff(DatePart part, int64_t from, int64_t to) {
   const int64_t day_a = from / kMillisecondsPerDay;
   const int64_t day_b = to / kMillisecondsPerDay;
   switch (part) {
-    case DatePart::Year: return int64_t{b.year} - a.year;
+    case DatePart::Year:
+      return int64_t{b.year} - a.year;
     case DatePart::Quarter:
       return (int64_t{b.year} * 4 + (b.month - 1) / 3) - (int64_t{a.year} * 4 + (a.month - 1) / 3);
-    case DatePart::Month: return (int64_t{b.year} * 12 + b.month) - (int64_t{a.year} * 12 + a.month);
+    case DatePart::Month:
+      return (int64_t{b.year} * 12 + b.month) - (int64_t{a.year} * 12 + a.month);
     case DatePart::DayOfYear:
     case DatePart::Day:
-    case DatePart::Weekday: return day_b - day_a;
+    case DatePart::Weekday:
+      return day_b - day_a;
     // Weeks start on Sunday; day 0 (0001-01-01) was a Monday.
-    case DatePart::Week: return (day_b + 1) / 7 - (day_a + 1) / 7;
-    case DatePart::Hour: return to / 3'600'000 - from / 3'600'000;
-    case DatePart::Minute: return to / 60'000 - from / 60'000;
-    case DatePart::Second: return to / 1000 - from / 1000;
-    case DatePart::Millisecond: return to - from;
+    case DatePart::Week:
+      return (day_b + 1) / 7 - (day_a + 1) / 7;
+    case DatePart::Hour:
+      return to / 3'600'000 - from / 3'600'000;
+    case DatePart::Minute:
+      return to / 60'000 - from / 60'000;
+    case DatePart::Second:
+      return to / 1000 - from / 1000;
+    case DatePart::Millisecond:
+      return to - from;
   }
   return 0;
 }
@@ -415,17 +435,28 @@ int64_t DatePartOf(DatePart part, int64_t moment) {
   const int64_t day = moment / kMillisecondsPerDay;
   const int64_t first_of_year = DayNumber(parts.year, 1, 1);
   switch (part) {
-    case DatePart::Year: return parts.year;
-    case DatePart::Quarter: return (parts.month - 1) / 3 + 1;
-    case DatePart::Month: return parts.month;
-    case DatePart::DayOfYear: return day - first_of_year + 1;
-    case DatePart::Day: return parts.day;
-    case DatePart::Week: return (day + 1) / 7 - (first_of_year + 1) / 7 + 1;
-    case DatePart::Weekday: return (day + 1) % 7 + 1;  // Sunday is 1
-    case DatePart::Hour: return parts.hour;
-    case DatePart::Minute: return parts.minute;
-    case DatePart::Second: return parts.second;
-    case DatePart::Millisecond: return parts.millisecond;
+    case DatePart::Year:
+      return parts.year;
+    case DatePart::Quarter:
+      return (parts.month - 1) / 3 + 1;
+    case DatePart::Month:
+      return parts.month;
+    case DatePart::DayOfYear:
+      return day - first_of_year + 1;
+    case DatePart::Day:
+      return parts.day;
+    case DatePart::Week:
+      return (day + 1) / 7 - (first_of_year + 1) / 7 + 1;
+    case DatePart::Weekday:
+      return (day + 1) % 7 + 1;  // Sunday is 1
+    case DatePart::Hour:
+      return parts.hour;
+    case DatePart::Minute:
+      return parts.minute;
+    case DatePart::Second:
+      return parts.second;
+    case DatePart::Millisecond:
+      return parts.millisecond;
   }
   return 0;
 }
@@ -449,7 +480,8 @@ void DateDiffFunction(sqlite3_context* context, int, sqlite3_value** argv) {
   const auto to = MomentArg(argv[2]);
   if (!from || !to) return sqlite3_result_null(context);
   const int64_t difference = DateDiff(part, *from, *to);
-  if (difference > std::numeric_limits<int32_t>::max() || difference < std::numeric_limits<int32_t>::min()) {
+  if (difference > std::numeric_limits<int32_t>::max() ||
+      difference < std::numeric_limits<int32_t>::min()) {
     throw SqlFailure{
         "The datediff function resulted in an overflow. The number of dateparts separating two "
         "date/time instances is too large."};
@@ -467,25 +499,43 @@ void DateAddFunction(sqlite3_context* context, int, sqlite3_value** argv) {
   if (std::llabs(n) > 400'000'000'000'000LL) throw SqlFailure{kDateOverflow};
   const auto shift = [&](int64_t unit) {
     int64_t result = 0;
-    if (__builtin_mul_overflow(n, unit, &result) || __builtin_add_overflow(result, *moment, &result) ||
-        result < 0) {
+    if (__builtin_mul_overflow(n, unit, &result) ||
+        __builtin_add_overflow(result, *moment, &result) || result < 0) {
       throw SqlFailure{kDateOverflow};
     }
     return result;
   };
   int64_t result = *moment;
   switch (part) {
-    case DatePart::Year: result = AddMonths(*moment, n * 12); break;
-    case DatePart::Quarter: result = AddMonths(*moment, n * 3); break;
-    case DatePart::Month: result = AddMonths(*moment, n); break;
+    case DatePart::Year:
+      result = AddMonths(*moment, n * 12);
+      break;
+    case DatePart::Quarter:
+      result = AddMonths(*moment, n * 3);
+      break;
+    case DatePart::Month:
+      result = AddMonths(*moment, n);
+      break;
     case DatePart::DayOfYear:
     case DatePart::Day:
-    case DatePart::Weekday: result = shift(kMillisecondsPerDay); break;
-    case DatePart::Week: result = shift(7 * kMillisecondsPerDay); break;
-    case DatePart::Hour: result = shift(3'600'000); break;
-    case DatePart::Minute: result = shift(60'000); break;
-    case DatePart::Second: result = shift(1000); break;
-    case DatePart::Millisecond: result = shift(1); break;
+    case DatePart::Weekday:
+      result = shift(kMillisecondsPerDay);
+      break;
+    case DatePart::Week:
+      result = shift(7 * kMillisecondsPerDay);
+      break;
+    case DatePart::Hour:
+      result = shift(3'600'000);
+      break;
+    case DatePart::Minute:
+      result = shift(60'000);
+      break;
+    case DatePart::Second:
+      result = shift(1000);
+      break;
+    case DatePart::Millisecond:
+      result = shift(1);
+      break;
   }
   ResultMoment(context, result);
 }
@@ -502,8 +552,9 @@ void DatePlusDays(sqlite3_context* context, int, sqlite3_value** argv) {
   const auto moment = MomentArg(argv[0]);
   const auto days = NumberArg(argv[1]);
   if (!moment || !days) return sqlite3_result_null(context);
-  ResultMoment(context, CheckedMoment(static_cast<double>(*moment) +
-                                      std::round(*days * static_cast<double>(kMillisecondsPerDay))));
+  ResultMoment(context,
+               CheckedMoment(static_cast<double>(*moment) +
+                             std::round(*days * static_cast<double>(kMillisecondsPerDay))));
 }
 
 void DateOnly(sqlite3_context* context, int, sqlite3_value** argv) {
@@ -604,8 +655,12 @@ int64_t RoundInteger(int64_t value, int64_t digits, bool truncate) {
   for (int64_t i = 0; i < -digits; ++i) power *= 10;
   const int64_t kept = value / power * power;
   const int64_t rest = value - kept;
-  if (!truncate && (rest >= 0 ? rest : -rest) * 2 >= power) return kept + (value < 0 ? -power : power);
-  return kept;
+  int64_t rounded = kept;
+  if (!truncate && (rest >= 0 ? rest : -rest) * 2 >= power &&
+      __builtin_add_overflow(kept, value < 0 ? -power : power, &rounded)) {
+    throw SqlFailure{"Arithmetic overflow error converting expression to data type bigint."};
+  }
+  return rounded;
 }
 
 // Rounds in decimal on the value's 15 significant digits, so that 2.675
@@ -645,7 +700,8 @@ void Round(sqlite3_context* context, int argc, sqlite3_value** argv) {
   const bool truncate = argc > 2 && !IsNull(argv[2]) && *IntegerArg(argv[2]) != 0;
   const int type = sqlite3_value_numeric_type(argv[0]);
   if (type == SQLITE_INTEGER) {
-    return sqlite3_result_int64(context, RoundInteger(sqlite3_value_int64(argv[0]), digits, truncate));
+    return sqlite3_result_int64(context,
+                                RoundInteger(sqlite3_value_int64(argv[0]), digits, truncate));
   }
   if (type != SQLITE_FLOAT) FailConversion(TextOf(argv[0]), "float");
   sqlite3_result_double(context, RoundDecimal(sqlite3_value_double(argv[0]), digits, truncate));
@@ -661,8 +717,9 @@ void Substring(sqlite3_context* context, int, sqlite3_value** argv) {
   const std::string_view text = TextOf(argv[0]);
   // Characters start .. start+length-1, of those that exist (positions from 1).
   const int64_t first = std::max<int64_t>(start, 1);
-  const int64_t end = start > std::numeric_limits<int64_t>::max() - length ? std::numeric_limits<int64_t>::max()
-                                                                           : start + length;
+  const int64_t end = start > std::numeric_limits<int64_t>::max() - length
+                          ? std::numeric_limits<int64_t>::max()
+                          : start + length;
   if (end <= first) return ResultText(context, "");
   const size_t begin_byte = OffsetOfChar(text, first - 1);
   const std::string_view rest = text.substr(begin_byte);
@@ -687,7 +744,8 @@ std::vector<char32_t> FoldedChars(std::string_view text, std::vector<size_t>* of
 }
 
 // Position (0-based) of `find` in `text` from `from`, or npos.
-size_t FindFolded(const std::vector<char32_t>& text, const std::vector<char32_t>& find, size_t from) {
+size_t FindFolded(const std::vector<char32_t>& text, const std::vector<char32_t>& find,
+                  size_t from) {
   if (find.empty() || find.size() > text.size()) return std::string_view::npos;
   for (size_t i = from; i + find.size() <= text.size(); ++i) {
     size_t k = 0;
@@ -709,7 +767,8 @@ void CharIndex(sqlite3_context* context, int argc, sqlite3_value** argv) {
   const auto text = FoldedChars(TextOf(argv[1]));
   if (static_cast<size_t>(start - 1) > text.size()) return sqlite3_result_int64(context, 0);
   const size_t found = FindFolded(text, find, static_cast<size_t>(start - 1));
-  sqlite3_result_int64(context, found == std::string_view::npos ? 0 : static_cast<int64_t>(found) + 1);
+  sqlite3_result_int64(context,
+                       found == std::string_view::npos ? 0 : static_cast<int64_t>(found) + 1);
 }
 
 void Replace(sqlite3_context* context, int, sqlite3_value** argv) {
@@ -746,8 +805,8 @@ void LeftOrRight(sqlite3_context* context, sqlite3_value** argv, bool left) {
   if (IsNull(argv[0]) || IsNull(argv[1])) return sqlite3_result_null(context);
   const int64_t count = *IntegerArg(argv[1]);
   if (count < 0) {
-    throw SqlFailure{std::string("Invalid length parameter passed to the ") + (left ? "left" : "right") +
-                     " function."};
+    throw SqlFailure{std::string("Invalid length parameter passed to the ") +
+                     (left ? "left" : "right") + " function."};
   }
   const std::string_view text = TextOf(argv[0]);
   if (left) return ResultText(context, text.substr(0, OffsetOfChar(text, count)));
@@ -756,7 +815,9 @@ void LeftOrRight(sqlite3_context* context, sqlite3_value** argv, bool left) {
 }
 
 void Left(sqlite3_context* context, int, sqlite3_value** argv) { LeftOrRight(context, argv, true); }
-void Right(sqlite3_context* context, int, sqlite3_value** argv) { LeftOrRight(context, argv, false); }
+void Right(sqlite3_context* context, int, sqlite3_value** argv) {
+  LeftOrRight(context, argv, false);
+}
 
 // The name under which sys.databases lists a database of pragma_database_list.
 void DatabaseName(sqlite3_context* context, int, sqlite3_value** argv) {
@@ -776,7 +837,8 @@ void Like(sqlite3_context* context, int argc, sqlite3_value** argv) {
     const std::string_view text = TextOf(argv[2]);
     size_t pos = 0;
     if (!text.empty()) escape = NextChar(text, pos);
-    if (text.empty() || pos != text.size()) throw SqlFailure{"ESCAPE expression must be a single character"};
+    if (text.empty() || pos != text.size())
+      throw SqlFailure{"ESCAPE expression must be a single character"};
   }
   // The compiled pattern lives as long as SQLite keeps the pattern argument
   // constant, that is usually for the whole statement.
@@ -789,7 +851,8 @@ void Like(sqlite3_context* context, int argc, sqlite3_value** argv) {
   sqlite3_result_int(context, MatchLike(*cached, TextOf(argv[1])) ? 1 : 0);
   if (fresh) {
     // SQLite may free it at once, so it is handed over last.
-    sqlite3_set_auxdata(context, 0, fresh.release(), [](void* p) { delete static_cast<LikePattern*>(p); });
+    sqlite3_set_auxdata(context, 0, fresh.release(),
+                        [](void* p) { delete static_cast<LikePattern*>(p); });
   }
 }
 
@@ -806,7 +869,8 @@ void Guarded(sqlite3_context* context, int argc, sqlite3_value** argv) noexcept 
   } catch (const std::bad_alloc&) {
     sqlite3_result_error_nomem(context);
   } catch (const VekError& error) {
-    sqlite3_result_error(context, error.Description().data(), static_cast<int>(error.Description().size()));
+    sqlite3_result_error(context, error.Description().data(),
+                         static_cast<int>(error.Description().size()));
   } catch (const std::exception& error) {
     sqlite3_result_error(context, error.what(), -1);
   } catch (...) {
@@ -815,8 +879,9 @@ void Guarded(sqlite3_context* context, int argc, sqlite3_value** argv) noexcept 
 }
 
 int Collate(void*, int size_a, const void* a, int size_b, const void* b) {
-  return CompareSqlServerText(std::string_view(static_cast<const char*>(a), static_cast<size_t>(size_a)),
-                              std::string_view(static_cast<const char*>(b), static_cast<size_t>(size_b)));
+  return CompareSqlServerText(
+      std::string_view(static_cast<const char*>(a), static_cast<size_t>(size_a)),
+      std::string_view(static_cast<const char*>(b), static_cast<size_t>(size_b)));
 }
 
 void Check(sqlite3* db, int rc) {
@@ -853,7 +918,8 @@ bool MatchesSqlServerLike(std::string_view value, std::string_view pattern, char
 }
 
 void RegisterSqlServerFunctions(sqlite3* db, std::function<vek::Date()> now) {
-  if (db == nullptr) throw VekError(kUnspecifiedError, "SQLite", "No database connection to register on");
+  if (db == nullptr)
+    throw VekError(kUnspecifiedError, "SQLite", "No database connection to register on");
   if (!now) throw VekError(kUnspecifiedError, "SQLite", "No clock to read the server's date from");
 
   struct Spec {
@@ -887,20 +953,21 @@ void RegisterSqlServerFunctions(sqlite3* db, std::function<vek::Date()> now) {
   };
   const int pure = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
   for (const Spec& spec : kFunctions) {
-    Check(db, sqlite3_create_function_v2(db, spec.name, spec.args, pure, nullptr, spec.body, nullptr, nullptr,
-                                         nullptr));
+    Check(db, sqlite3_create_function_v2(db, spec.name, spec.args, pure, nullptr, spec.body,
+                                         nullptr, nullptr, nullptr));
   }
   // The clock is owned by SQLite from here on and freed with the connection.
   auto clock = std::make_unique<std::function<vek::Date()>>(std::move(now));
-  const int rc = sqlite3_create_function_v2(db, "vek_getdate", 0, SQLITE_UTF8 | SQLITE_INNOCUOUS, clock.get(),
-                                            &Guarded<GetDate>, nullptr, nullptr,
-                                            [](void* p) { delete static_cast<std::function<vek::Date()>*>(p); });
+  const int rc = sqlite3_create_function_v2(
+      db, "vek_getdate", 0, SQLITE_UTF8 | SQLITE_INNOCUOUS, clock.get(), &Guarded<GetDate>, nullptr,
+      nullptr, [](void* p) { delete static_cast<std::function<vek::Date()>*>(p); });
   if (rc == SQLITE_OK) {
     clock.release();
   } else {
     Check(db, rc);
   }
-  Check(db, sqlite3_create_collation_v2(db, kSqlServerCollation, SQLITE_UTF8, nullptr, &Collate, nullptr));
+  Check(db, sqlite3_create_collation_v2(db, kSqlServerCollation, SQLITE_UTF8, nullptr, &Collate,
+                                        nullptr));
 #ifdef SQLITE_DBCONFIG_DQS_DML
   Check(db, sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, static_cast<int*>(nullptr)));
 #endif

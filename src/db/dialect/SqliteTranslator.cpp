@@ -16,17 +16,18 @@ constexpr size_t kNone = static_cast<size_t>(-1);
 
 // sys.databases as SQLite can answer it.
 constexpr std::string_view kSysDatabases =
-    "(SELECT vek_database_name(name, file) COLLATE SQLSERVER_CI_AS AS name, seq + 1 AS database_id, "
+    "(SELECT vek_database_name(name, file) COLLATE SQLSERVER_CI_AS AS name, seq + 1 AS "
+    "database_id, "
     "NULL AS create_date FROM pragma_database_list WHERE name <> 'temp')";
-
 
 // Statements that have no SQLite form at all.
 constexpr auto kProceduralStatements = std::to_array<std::string_view>({
-    "BACKUP", "BULK", "CHECKPOINT", "CLOSE",  "DBCC",  "DEALLOCATE", "DECLARE", "DENY",
-    "EXEC",   "EXECUTE", "FETCH",   "GO",     "GRANT", "IF",         "KILL",    "MERGE",
-    "OPEN",   "PRINT",   "RAISERROR", "RESTORE", "RETURN", "REVOKE", "SET",     "WAITFOR",
+    "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",   "DBCC",   "DEALLOCATE", "DECLARE", "DENY",
+    "EXEC",   "EXECUTE", "FETCH",      "GO",      "GRANT",  "IF",         "KILL",    "MERGE",
+    "OPEN",   "PRINT",   "RAISERROR",  "RESTORE", "RETURN", "REVOKE",     "SET",     "WAITFOR",
 });
 
+// The words the translator looks for, classified once per token.
 enum class Kw : uint8_t {
   None,
   All,
@@ -77,36 +78,92 @@ enum class Kw : uint8_t {
 
 struct KeywordEntry {
   std::string_view upper;
-  Kw keyword;      // for the words the translator looks for
-  bool reserved;   // structures statements, so never starts an operand
+  Kw keyword;     // for the words the translator looks for
+  bool reserved;  // structures statements, so never starts an operand
 };
 constexpr auto kKeywords = std::to_array<KeywordEntry>({
-    {"ALL", Kw::All, true}, {"ALTER", Kw::None, true}, {"AND", Kw::None, true}, {"APPLY", Kw::None, true},
-    {"AS", Kw::As, true}, {"ASC", Kw::None, true}, {"BEGIN", Kw::Begin, true}, {"BETWEEN", Kw::None, true},
-    {"BY", Kw::None, true}, {"CASE", Kw::Case, true}, {"CHECK", Kw::None, true}, {"COLLATE", Kw::None, true},
-    {"COMMIT", Kw::Commit, true}, {"CONSTRAINT", Kw::None, true}, {"CREATE", Kw::Create, true},
-    {"CROSS", Kw::None, true}, {"DEFAULT", Kw::None, true}, {"DELETE", Kw::Delete, true},
-    {"DESC", Kw::None, true}, {"DISTINCT", Kw::Distinct, true}, {"DROP", Kw::None, true},
-    {"ELSE", Kw::Else, true}, {"END", Kw::End, true}, {"ESCAPE", Kw::None, true},
-    {"EXCEPT", Kw::Except, true}, {"EXEC", Kw::Exec, true}, {"EXECUTE", Kw::Execute, true},
-    {"EXISTS", Kw::None, true}, {"FOR", Kw::For, false}, {"FOREIGN", Kw::None, true},
-    {"FROM", Kw::From, true}, {"FULL", Kw::None, true}, {"GLOB", Kw::None, true}, {"GROUP", Kw::Group, true},
-    {"HAVING", Kw::Having, true}, {"IDENTITY", Kw::Identity, false}, {"IN", Kw::None, true},
-    {"INDEX", Kw::None, true}, {"INNER", Kw::None, true}, {"INSERT", Kw::Insert, true},
-    {"INTERSECT", Kw::Intersect, true}, {"INTO", Kw::Into, true}, {"IS", Kw::None, true},
-    {"JOIN", Kw::Join, true}, {"KEY", Kw::None, true}, {"LEFT", Kw::Left, true}, {"LIKE", Kw::None, true},
-    {"LIMIT", Kw::None, true}, {"MAX", Kw::Max, false}, {"NOT", Kw::None, true}, {"NULL", Kw::Null, false},
-    {"OFFSET", Kw::None, true}, {"ON", Kw::None, true}, {"OPTION", Kw::Option, true}, {"OR", Kw::None, true},
-    {"ORDER", Kw::Order, true}, {"OUTER", Kw::None, true}, {"PERCENT", Kw::Percent, true},
-    {"PRIMARY", Kw::None, true}, {"REFERENCES", Kw::None, true}, {"RIGHT", Kw::Right, true},
-    {"ROLLBACK", Kw::Rollback, false}, {"SELECT", Kw::Select, true}, {"SET", Kw::Set, true},
-    {"TABLE", Kw::Table, true}, {"THEN", Kw::Then, true}, {"TIES", Kw::Ties, false}, {"TOP", Kw::Top, true},
-    {"TRAN", Kw::Tran, false}, {"TRANSACTION", Kw::Transaction, false}, {"TRUNCATE", Kw::Truncate, false},
-    {"UNION", Kw::Union, true}, {"UPDATE", Kw::Update, true}, {"VALUES", Kw::None, true},
-    {"WHEN", Kw::When, true}, {"WHERE", Kw::Where, true}, {"WITH", Kw::With, true},
+    {"ALL", Kw::All, true},
+    {"ALTER", Kw::None, true},
+    {"AND", Kw::None, true},
+    {"APPLY", Kw::None, true},
+    {"AS", Kw::As, true},
+    {"ASC", Kw::None, true},
+    {"BEGIN", Kw::Begin, true},
+    {"BETWEEN", Kw::None, true},
+    {"BY", Kw::None, true},
+    {"CASE", Kw::Case, true},
+    {"CHECK", Kw::None, true},
+    {"COLLATE", Kw::None, true},
+    {"COMMIT", Kw::Commit, true},
+    {"CONSTRAINT", Kw::None, true},
+    {"CREATE", Kw::Create, true},
+    {"CROSS", Kw::None, true},
+    {"DEFAULT", Kw::None, true},
+    {"DELETE", Kw::Delete, true},
+    {"DESC", Kw::None, true},
+    {"DISTINCT", Kw::Distinct, true},
+    {"DROP", Kw::None, true},
+    {"ELSE", Kw::Else, true},
+    {"END", Kw::End, true},
+    {"ESCAPE", Kw::None, true},
+    {"EXCEPT", Kw::Except, true},
+    {"EXEC", Kw::Exec, true},
+    {"EXECUTE", Kw::Execute, true},
+    {"EXISTS", Kw::None, true},
+    {"FOR", Kw::For, false},
+    {"FOREIGN", Kw::None, true},
+    {"FROM", Kw::From, true},
+    {"FULL", Kw::None, true},
+    {"GLOB", Kw::None, true},
+    {"GROUP", Kw::Group, true},
+    {"HAVING", Kw::Having, true},
+    {"IDENTITY", Kw::Identity, false},
+    {"IN", Kw::None, true},
+    {"INDEX", Kw::None, true},
+    {"INNER", Kw::None, true},
+    {"INSERT", Kw::Insert, true},
+    {"INTERSECT", Kw::Intersect, true},
+    {"INTO", Kw::Into, true},
+    {"IS", Kw::None, true},
+    {"JOIN", Kw::Join, true},
+    {"KEY", Kw::None, true},
+    {"LEFT", Kw::Left, true},
+    {"LIKE", Kw::None, true},
+    {"LIMIT", Kw::None, true},
+    {"MAX", Kw::Max, false},
+    {"NOT", Kw::None, true},
+    {"NULL", Kw::Null, false},
+    {"OFFSET", Kw::None, true},
+    {"ON", Kw::None, true},
+    {"OPTION", Kw::Option, true},
+    {"OR", Kw::None, true},
+    {"ORDER", Kw::Order, true},
+    {"OUTER", Kw::None, true},
+    {"PERCENT", Kw::Percent, true},
+    {"PRIMARY", Kw::None, true},
+    {"REFERENCES", Kw::None, true},
+    {"RIGHT", Kw::Right, true},
+    {"ROLLBACK", Kw::Rollback, false},
+    {"SELECT", Kw::Select, true},
+    {"SET", Kw::Set, true},
+    {"TABLE", Kw::Table, true},
+    {"THEN", Kw::Then, true},
+    {"TIES", Kw::Ties, false},
+    {"TOP", Kw::Top, true},
+    {"TRAN", Kw::Tran, false},
+    {"TRANSACTION", Kw::Transaction, false},
+    {"TRUNCATE", Kw::Truncate, false},
+    {"UNION", Kw::Union, true},
+    {"UPDATE", Kw::Update, true},
+    {"VALUES", Kw::None, true},
+    {"WHEN", Kw::When, true},
+    {"WHERE", Kw::Where, true},
+    {"WITH", Kw::With, true},
 });
 static_assert(std::is_sorted(kKeywords.begin(), kKeywords.end(),
-                             [](const KeywordEntry& a, const KeywordEntry& b) { return a.upper < b.upper; }),
+                             [](const KeywordEntry& a, const KeywordEntry& b) {
+                               return a.upper < b.upper;
+                             }),
               "binary search needs sorted words");
 static_assert(std::all_of(kKeywords.begin(), kKeywords.end(),
                           [](const KeywordEntry& entry) { return entry.upper.size() <= 11; }),
@@ -130,7 +187,8 @@ struct WordClass {
 int CompareWord(std::string_view a, std::string_view b) {
   const size_t common = std::min(a.size(), b.size());
   for (size_t i = 0; i < common; ++i) {
-    if (a[i] != b[i]) return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]) ? -1 : 1;
+    if (a[i] != b[i])
+      return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]) ? -1 : 1;
   }
   return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
@@ -163,11 +221,12 @@ WordClass ClassifyWord(std::string_view word) {
 // The type a column has by the naming convention of the schema (prefixes).
 ValueType TypeOfColumnName(std::string_view name) {
   if (StartsWithNoCase(name, "Dt_") || StartsWithNoCase(name, "Hr_")) return ValueType::Date;
-  if (StartsWithNoCase(name, "Nm_") || StartsWithNoCase(name, "Ds_") || StartsWithNoCase(name, "Sg_")) {
+  if (StartsWithNoCase(name, "Nm_") || StartsWithNoCase(name, "Ds_") ||
+      StartsWithNoCase(name, "Sg_")) {
     return ValueType::Text;
   }
-  if (StartsWithNoCase(name, "Qt_") || StartsWithNoCase(name, "Vl_") || StartsWithNoCase(name, "No_") ||
-      StartsWithNoCase(name, "Ic_")) {
+  if (StartsWithNoCase(name, "Qt_") || StartsWithNoCase(name, "Vl_") ||
+      StartsWithNoCase(name, "No_") || StartsWithNoCase(name, "Ic_")) {
     return ValueType::Number;
   }
   return ValueType::Unknown;
@@ -283,20 +342,22 @@ class Translator {
   bool IsOp(size_t k, std::string_view op) const {
     if (k >= n_) return false;
     const Token& token = At(k);
-    return token.kind == TokenKind::Operator && token.text.size() == op.size() && token.text[0] == op[0] &&
-           (op.size() == 1 || token.text[1] == op[1]);
+    return token.kind == TokenKind::Operator && token.text.size() == op.size() &&
+           token.text[0] == op[0] && (op.size() == 1 || token.text[1] == op[1]);
   }
   bool IsGroupOpen(size_t k) const { return IsOp(k, "(") || Is(k, Kw::Case); }
   bool IsNamePart(size_t k) const {
     if (k >= n_) return false;
     const TokenKind kind = At(k).kind;
-    return kind == TokenKind::Word || kind == TokenKind::BracketedName || kind == TokenKind::QuotedName;
+    return kind == TokenKind::Word || kind == TokenKind::BracketedName ||
+           kind == TokenKind::QuotedName;
   }
   bool IsReserved(size_t k) const { return k < n_ && sig_[k].reserved; }
   // A word that may be an alias after a table or an expression.
   bool IsAliasWord(size_t k) const {
-    return k < n_ && (At(k).kind == TokenKind::BracketedName || At(k).kind == TokenKind::QuotedName ||
-                      (At(k).kind == TokenKind::Word && !sig_[k].reserved && At(k).text[0] != '@'));
+    return k < n_ &&
+           (At(k).kind == TokenKind::BracketedName || At(k).kind == TokenKind::QuotedName ||
+            (At(k).kind == TokenKind::Word && !sig_[k].reserved && At(k).text[0] != '@'));
   }
 
   // The bare text of a name part: without brackets or quotes.
@@ -316,7 +377,8 @@ class Translator {
       if (IsOp(k, "(") || Is(k, Kw::Case)) {
         open.push_back(k);
       } else if (IsOp(k, ")")) {
-        if (open.empty()) RaiseDialectError("Unbalanced ')' at offset " + std::to_string(At(k).offset));
+        if (open.empty())
+          RaiseDialectError("Unbalanced ')' at offset " + std::to_string(At(k).offset));
         if (Is(open.back(), Kw::Case)) {
           RaiseDialectError("CASE without END before offset " + std::to_string(At(k).offset));
         }
@@ -330,8 +392,9 @@ class Translator {
       }
     }
     if (!open.empty()) {
-      RaiseDialectError(std::string(Is(open.back(), Kw::Case) ? "CASE without END" : "Unclosed '('") +
-                        " at offset " + std::to_string(At(open.back()).offset));
+      RaiseDialectError(
+          std::string(Is(open.back(), Kw::Case) ? "CASE without END" : "Unclosed '('") +
+          " at offset " + std::to_string(At(open.back()).offset));
     }
   }
 
@@ -362,7 +425,9 @@ class Translator {
     const Token& token = At(k);
     switch (token.kind) {
       case TokenKind::String:
-      case TokenKind::NationalString: EmitStringLiteral(token); return;
+      case TokenKind::NationalString:
+        EmitStringLiteral(token);
+        return;
       case TokenKind::BracketedName: {
         out_.push_back('"');
         for (size_t i = 1; i + 1 < token.text.size(); ++i) {
@@ -383,7 +448,9 @@ class Translator {
           out_.append(token.text);
         }
         return;
-      default: out_.append(token.text); return;
+      default:
+        out_.append(token.text);
+        return;
     }
   }
 
@@ -401,7 +468,8 @@ class Translator {
     if (!inner.empty() && inner.front() >= '0' && inner.front() <= '9' && inner.back() >= '0' &&
         inner.back() <= '9') {
       const size_t separator = inner.find_first_not_of("0123456789");
-      if (separator != std::string_view::npos && (inner[separator] == '/' || inner[separator] == '-')) {
+      if (separator != std::string_view::npos &&
+          (inner[separator] == '/' || inner[separator] == '-')) {
         if (const auto parts = ParseDateText(inner, false)) {
           out_.push_back('\'');
           out_.append(FormatCanonical(*parts));
@@ -452,7 +520,8 @@ class Translator {
     if (Is(b, Kw::Create) && Is(b + 1, Kw::Table)) {
       for (size_t k = b; k < e; ++k) {
         if (Is(k, Kw::Identity)) {
-          RaiseDialectError("IDENTITY columns are not supported on SQLite (use INTEGER PRIMARY KEY)");
+          RaiseDialectError(
+              "IDENTITY columns are not supported on SQLite (use INTEGER PRIMARY KEY)");
         }
       }
     }
@@ -572,7 +641,8 @@ class Translator {
     switch (token.kind) {
       case TokenKind::String:
       case TokenKind::NationalString:
-      case TokenKind::Number: return k + 1;
+      case TokenKind::Number:
+        return k + 1;
       case TokenKind::BracketedName:
       case TokenKind::QuotedName:
       case TokenKind::Word: {
@@ -593,7 +663,8 @@ class Translator {
           return q > k + 1 ? q : k;
         }
         return k;
-      default: return k;
+      default:
+        return k;
     }
   }
 
@@ -642,16 +713,20 @@ class Translator {
     const Token& token = At(p);
     switch (token.kind) {
       case TokenKind::String:
-      case TokenKind::NationalString: return ValueType::Text;
-      case TokenKind::Number: return ValueType::Number;
+      case TokenKind::NationalString:
+        return ValueType::Text;
+      case TokenKind::Number:
+        return ValueType::Number;
       case TokenKind::Operator:
         if (token.text == "(") {
           if (Is(p + 1, Kw::Select)) return ValueType::Unknown;
           return TypeOfRange(p + 1, q - 1);
         }
         // A sign keeps a number a number.
-        return TypeOfPrimary(p + 1, q) == ValueType::Number ? ValueType::Number : ValueType::Unknown;
-      default: break;
+        return TypeOfPrimary(p + 1, q) == ValueType::Number ? ValueType::Number
+                                                            : ValueType::Unknown;
+      default:
+        break;
     }
     if (Is(p, Kw::Null)) return ValueType::Null;
     if (Is(p, Kw::Case)) return TypeOfCase(p, q - 1);
@@ -695,27 +770,32 @@ class Translator {
     const auto args = SplitArgs(open, close);
     if (IsOneOf(function, {"getdate", "dateadd"})) return ValueType::Date;
     if (IsOneOf(function, {"convert", "cast"})) {
-      const auto type = EqualsAsciiNoCase(function, "cast") ? CastTypeRange(open, close)
-                                                          : (args.empty() ? std::pair<size_t, size_t>{0, 0}
-                                                                          : args[0]);
+      const auto type = EqualsAsciiNoCase(function, "cast")
+                            ? CastTypeRange(open, close)
+                            : (args.empty() ? std::pair<size_t, size_t>{0, 0} : args[0]);
       if (type.first >= type.second) return ValueType::Unknown;
       const std::string_view type_name = At(type.first).text;
-      if (IsOneOf(type_name, {"date", "datetime", "smalldatetime", "datetime2"})) return ValueType::Date;
-      if (IsOneOf(type_name, {"varchar", "nvarchar", "char", "nchar", "text", "ntext", "sysname"})) {
+      if (IsOneOf(type_name, {"date", "datetime", "smalldatetime", "datetime2"}))
+        return ValueType::Date;
+      if (IsOneOf(type_name,
+                  {"varchar", "nvarchar", "char", "nchar", "text", "ntext", "sysname"})) {
         return ValueType::Text;
       }
       return ValueType::Number;
     }
-    if (IsOneOf(function, {"datediff", "datepart", "day", "month", "year", "len", "charindex", "count",
-                           "count_big", "sum", "avg", "abs", "round", "floor", "ceiling", "sign"})) {
+    if (IsOneOf(function,
+                {"datediff", "datepart", "day", "month", "year", "len", "charindex", "count",
+                 "count_big", "sum", "avg", "abs", "round", "floor", "ceiling", "sign"})) {
       return ValueType::Number;
     }
-    if (IsOneOf(function, {"substring", "upper", "lower", "ltrim", "rtrim", "left", "right", "replace", "char",
-                           "nchar", "space", "replicate", "str", "reverse"})) {
+    if (IsOneOf(function, {"substring", "upper", "lower", "ltrim", "rtrim", "left", "right",
+                           "replace", "char", "nchar", "space", "replicate", "str", "reverse"})) {
       return ValueType::Text;
     }
     if (IsOneOf(function, {"isnull", "coalesce", "nullif", "max", "min"})) {
-      const size_t considered = IsOneOf(function, {"isnull", "coalesce"}) ? args.size() : std::min<size_t>(args.size(), 1);
+      const size_t considered = IsOneOf(function, {"isnull", "coalesce"})
+                                    ? args.size()
+                                    : std::min<size_t>(args.size(), 1);
       for (size_t i = 0; i < considered; ++i) {
         const ValueType type = TypeOfRange(args[i].first, args[i].second);
         if (type != ValueType::Unknown && type != ValueType::Null) return type;
@@ -734,13 +814,18 @@ class Translator {
     for (size_t i = 0; i < terms.size(); ++i) {
       if (terms[i].op != kNone) (IsOp(terms[i].op, "-") ? minus : plus) = true;
       switch (TypeOfTerm(terms[i])) {
-        case ValueType::Text: ++texts; break;
+        case ValueType::Text:
+          ++texts;
+          break;
         case ValueType::Date:
           ++dates;
           decision.date_term = i;
           break;
-        case ValueType::Unknown: ++unknowns; break;
-        default: break;
+        case ValueType::Unknown:
+          ++unknowns;
+          break;
+        default:
+          break;
       }
     }
     if (dates > 0 && texts > 0) {
@@ -788,7 +873,9 @@ class Translator {
     }
   }
 
-  bool IsSinglePrimary(const Term& term) const { return PrimaryEnd(term.begin, term.end) == term.end; }
+  bool IsSinglePrimary(const Term& term) const {
+    return PrimaryEnd(term.begin, term.end) == term.end;
+  }
 
   // Emits the chain of operands that starts at k; returns where it ends.
   size_t EmitChain(size_t k, size_t e) {
@@ -801,7 +888,8 @@ class Translator {
     const std::vector<Term> terms = ParseChain(k, e);
     const ChainDecision decision = Decide(terms);
     switch (decision.mode) {
-      case ChainMode::Error: RaiseDialectError(decision.error);
+      case ChainMode::Error:
+        RaiseDialectError(decision.error);
       case ChainMode::Plain:
         for (const Term& term : terms) {
           if (term.op != kNone) EmitToken(term.op);
@@ -907,7 +995,8 @@ class Translator {
 
   DatePart DatePartArg(std::string_view function, const std::pair<size_t, size_t>& arg) const {
     std::optional<DatePart> part;
-    if (arg.second == arg.first + 1 && At(arg.first).kind == TokenKind::Word) part = ParseDatePart(At(arg.first).text);
+    if (arg.second == arg.first + 1 && At(arg.first).kind == TokenKind::Word)
+      part = ParseDatePart(At(arg.first).text);
     if (!part) {
       std::string text;
       if (arg.second > arg.first) {
@@ -923,7 +1012,8 @@ class Translator {
   void EmitCall(size_t name, size_t open, size_t close) {
     const NameSplit parts = NameParts(name, open);
     const auto args = SplitArgs(open, close);
-    const std::string_view function = parts.size() == 1 && parts[0] != kNone ? NameText(parts[0]) : "";
+    const std::string_view function =
+        parts.size() == 1 && parts[0] != kNone ? NameText(parts[0]) : "";
     if (function.empty()) {
       EmitName(name, open);
       EmitToken(open);
@@ -1002,12 +1092,13 @@ class Translator {
         }
         style = std::stoll(std::string(At(s.first).text));
       }
-      EmitConversion(name, ParseTargetType(args[0].first, args[0].second, "CONVERT"), args[1], style);
+      EmitConversion(name, ParseTargetType(args[0].first, args[0].second, "CONVERT"), args[1],
+                     style);
     } else if (EqualsAsciiNoCase(function, "cast")) {
       const auto type = CastTypeRange(open, close);
       if (type.first >= type.second) RaiseDialectError("CAST without AS and a type");
-      EmitConversion(name, ParseTargetType(type.first, type.second, "CAST"), {open + 1, type.first - 1},
-                     std::nullopt);
+      EmitConversion(name, ParseTargetType(type.first, type.second, "CAST"),
+                     {open + 1, type.first - 1}, std::nullopt);
     } else {
       EmitName(name, open);
       EmitToken(open);
@@ -1027,7 +1118,8 @@ class Translator {
   }
 
   TargetType ParseTargetType(size_t b, size_t e, std::string_view function) const {
-    if (b >= e || At(b).kind != TokenKind::Word) RaiseDialectError(std::string(function) + " without a target type");
+    if (b >= e || At(b).kind != TokenKind::Word)
+      RaiseDialectError(std::string(function) + " without a target type");
     const std::string_view name = At(b).text;
     // The size in parentheses: (n), (n, s) or (max).
     std::optional<int64_t> size;
@@ -1046,7 +1138,9 @@ class Translator {
       }
       k = close + 1;
     }
-    if (k != e) RaiseDialectError("The target type of " + std::string(function) + " is not supported on SQLite");
+    if (k != e)
+      RaiseDialectError("The target type of " + std::string(function) +
+                        " is not supported on SQLite");
     TargetType type;
     if (IsOneOf(name, {"varchar", "nvarchar", "char", "nchar", "sysname"})) {
       type.kind = TargetType::Kind::Text;
@@ -1070,7 +1164,8 @@ class Translator {
     } else if (IsOneOf(name, {"float", "real"})) {
       type.kind = TargetType::Kind::Real;
     } else {
-      RaiseDialectError(std::string(function) + " to " + std::string(name) + " is not supported on SQLite");
+      RaiseDialectError(std::string(function) + " to " + std::string(name) +
+                        " is not supported on SQLite");
     }
     return type;
   }
@@ -1082,13 +1177,14 @@ class Translator {
     switch (type.kind) {
       case TargetType::Kind::Text: {
         if (style && !IsSupportedDateStyle(*style) && *style != 2) {
-          RaiseDialectError("CONVERT style " + std::to_string(*style) + " is not supported on SQLite");
+          RaiseDialectError("CONVERT style " + std::to_string(*style) +
+                            " is not supported on SQLite");
         }
         const bool is_date = TypeOfRange(value.first, value.second) == ValueType::Date;
         out_.append("vek_text(");
         EmitArg(value);
-        out_.append(", " + std::to_string(type.length) + ", " + std::to_string(style.value_or(-1)) + ", " +
-                    (is_date ? "1" : "0") + ", " + (type.pad ? "1" : "0") + ")");
+        out_.append(", " + std::to_string(type.length) + ", " + std::to_string(style.value_or(-1)) +
+                    ", " + (is_date ? "1" : "0") + ", " + (type.pad ? "1" : "0") + ")");
         return;
       }
       case TargetType::Kind::Date:
@@ -1096,7 +1192,8 @@ class Translator {
         // Dates are read day first or in ISO form; month-first styles would
         // be read wrongly.
         if (style && (*style == 1 || *style == 101)) {
-          RaiseDialectError("CONVERT style " + std::to_string(*style) + " (month first) is not supported on SQLite");
+          RaiseDialectError("CONVERT style " + std::to_string(*style) +
+                            " (month first) is not supported on SQLite");
         }
         out_.append(type.kind == TargetType::Kind::Date ? "vek_date(" : "vek_datetime(");
         EmitArg(value);
@@ -1139,12 +1236,15 @@ class Translator {
     }
   }
 
-  bool IsCompoundOperator(size_t k) const { return Is(k, Kw::Union) || Is(k, Kw::Except) || Is(k, Kw::Intersect); }
+  bool IsCompoundOperator(size_t k) const {
+    return Is(k, Kw::Union) || Is(k, Kw::Except) || Is(k, Kw::Intersect);
+  }
 
   // A query from the SELECT at p to e: one SELECT or a compound of them.
   void EmitQuery(size_t p, size_t e) {
     size_t first_operator = p;
-    while (first_operator < e && !IsCompoundOperator(first_operator)) first_operator = Skip(first_operator);
+    while (first_operator < e && !IsCompoundOperator(first_operator))
+      first_operator = Skip(first_operator);
     if (first_operator == e) return EmitSelect(p, e, false);
     std::vector<size_t> operators;
     for (size_t k = first_operator; k < e; k = Skip(k)) {
@@ -1197,7 +1297,8 @@ class Translator {
         RaiseDialectError("TOP needs a whole number on SQLite");
       }
       if (Is(k, Kw::Percent)) RaiseDialectError("TOP ... PERCENT is not supported on SQLite");
-      if (Is(k, Kw::With) && Is(k + 1, Kw::Ties)) RaiseDialectError("TOP ... WITH TIES is not supported on SQLite");
+      if (Is(k, Kw::With) && Is(k + 1, Kw::Ties))
+        RaiseDialectError("TOP ... WITH TIES is not supported on SQLite");
     }
     if (top != kNone && in_compound) {
       EmitTrivia(p);
@@ -1218,8 +1319,9 @@ class Translator {
   }
 
   bool EndsSelectList(size_t k) const {
-    return Is(k, Kw::From) || Is(k, Kw::Where) || Is(k, Kw::Group) || Is(k, Kw::Having) || Is(k, Kw::Order) ||
-           IsCompoundOperator(k) || Is(k, Kw::Into) || Is(k, Kw::Option) || Is(k, Kw::For);
+    return Is(k, Kw::From) || Is(k, Kw::Where) || Is(k, Kw::Group) || Is(k, Kw::Having) ||
+           Is(k, Kw::Order) || IsCompoundOperator(k) || Is(k, Kw::Into) || Is(k, Kw::Option) ||
+           Is(k, Kw::For);
   }
 
   // The select list from k: "alias = expression" becomes "expression AS
@@ -1264,8 +1366,8 @@ class Translator {
     bool expect_table = true;
     size_t k = b;
     while (k < e) {
-      if (Is(k, Kw::Where) || Is(k, Kw::Group) || Is(k, Kw::Order) || Is(k, Kw::Having) || Is(k, Kw::Option) ||
-          IsCompoundOperator(k)) {
+      if (Is(k, Kw::Where) || Is(k, Kw::Group) || Is(k, Kw::Order) || Is(k, Kw::Having) ||
+          Is(k, Kw::Option) || IsCompoundOperator(k)) {
         break;
       }
       if (!expect_table) {
@@ -1291,8 +1393,10 @@ class Translator {
   }
 
   bool SameName(const NameSplit& a, const NameSplit& b) const {
-    if (a.empty() || b.empty() || !EqualsAsciiNoCase(NameText(a.back()), NameText(b.back()))) return false;
-    if (a.size() >= 2 && b.size() >= 2) return EqualsAsciiNoCase(NameText(a[a.size() - 2]), NameText(b[b.size() - 2]));
+    if (a.empty() || b.empty() || !EqualsAsciiNoCase(NameText(a.back()), NameText(b.back())))
+      return false;
+    if (a.size() >= 2 && b.size() >= 2)
+      return EqualsAsciiNoCase(NameText(a[a.size() - 2]), NameText(b[b.size() - 2]));
     return true;
   }
 
@@ -1309,7 +1413,8 @@ class Translator {
     const size_t first_from = Is(k, Kw::From) ? k++ : kNone;
     const size_t target_begin = k;
     const size_t target_end = NameEnd(k, e);
-    if (target_end == target_begin || IsReserved(target_begin)) RaiseDialectError("DELETE without a table");
+    if (target_end == target_begin || IsReserved(target_begin))
+      RaiseDialectError("DELETE without a table");
     k = target_end;
     size_t alias = kNone;
     if (Is(k, Kw::As) && IsAliasWord(k + 1)) {
@@ -1326,8 +1431,8 @@ class Translator {
         const std::string table = NameTextOf(target_begin, target_end);
         const std::string alias_text = Capture([&] { EmitText(alias); });
         EmitTrivia(b);
-        out_.append("DELETE FROM " + table + " WHERE rowid IN (SELECT " + alias_text + ".rowid FROM " + table +
-                    " AS " + alias_text);
+        out_.append("DELETE FROM " + table + " WHERE rowid IN (SELECT " + alias_text +
+                    ".rowid FROM " + table + " AS " + alias_text);
         EmitSequence(k, e);
         out_.push_back(')');
         return;
@@ -1381,7 +1486,8 @@ class Translator {
       EmitSequence(chosen->name_end, e);
       return;
     }
-    const std::string row = chosen->alias != kNone ? Capture([&] { EmitText(chosen->alias); }) : table;
+    const std::string row =
+        chosen->alias != kNone ? Capture([&] { EmitText(chosen->alias); }) : table;
     EmitTrivia(b);
     out_.append("DELETE FROM " + table + " WHERE rowid IN (SELECT " + row + ".rowid");
     EmitToken(from);
@@ -1399,7 +1505,8 @@ class Translator {
     while (set < e && !Is(set, Kw::Set)) set = Skip(set);
     if (set == e) RaiseDialectError("UPDATE without SET");
     size_t set_end = set + 1;
-    while (set_end < e && !Is(set_end, Kw::From) && !Is(set_end, Kw::Where) && !Is(set_end, Kw::Option)) {
+    while (set_end < e && !Is(set_end, Kw::From) && !Is(set_end, Kw::Where) &&
+           !Is(set_end, Kw::Option)) {
       set_end = Skip(set_end);
     }
     if (Is(set_end, Kw::From)) {
@@ -1409,7 +1516,8 @@ class Translator {
         const bool by_alias = ref.alias != kNone && target.size() == 1 &&
                               EqualsAsciiNoCase(NameText(ref.alias), NameText(target[0]));
         if (by_alias || SameName(KeptNameParts(ref.name_begin, ref.name_end), target)) {
-          RaiseDialectError("UPDATE ... FROM that names the updated table again is not supported on SQLite");
+          RaiseDialectError(
+              "UPDATE ... FROM that names the updated table again is not supported on SQLite");
         }
       }
     }
@@ -1440,7 +1548,8 @@ class Translator {
     size_t k = b + 1;
     if (Is(k, Kw::Top)) RaiseDialectError("INSERT TOP is not supported on SQLite");
     for (size_t j = k; j < e; j = Skip(j)) {
-      if (Is(j, Kw::Exec) || Is(j, Kw::Execute)) RaiseDialectError("INSERT ... EXEC is not supported on SQLite");
+      if (Is(j, Kw::Exec) || Is(j, Kw::Execute))
+        RaiseDialectError("INSERT ... EXEC is not supported on SQLite");
     }
     EmitToken(b);
     if (Is(k, Kw::Into)) {

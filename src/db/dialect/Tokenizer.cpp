@@ -8,15 +8,17 @@ namespace vek::dialect {
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsHexDigit(char c) {
-  return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
+bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 bool IsAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 // Bytes of multi-byte UTF-8 characters count as letters: names may be accented.
 bool IsHighByte(char c) { return static_cast<unsigned char>(c) >= 0x80; }
-bool IsWordStart(char c) { return IsAsciiLetter(c) || IsHighByte(c) || c == '_' || c == '@' || c == '#'; }
+bool IsWordStart(char c) {
+  return IsAsciiLetter(c) || IsHighByte(c) || c == '_' || c == '@' || c == '#';
+}
 bool IsWordPart(char c) { return IsWordStart(c) || IsDigit(c) || c == '$'; }
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v'; }
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v';
+}
 
 char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
 

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "vek/platform/Date.h"
+
 namespace vek::dialect {
 namespace {
 
@@ -22,6 +24,27 @@ TEST(DateText, ReadsDayFirstAndIsoForms) {
   EXPECT_EQ(Canonical("2026-11-21 08:09:10.5"), "2026-11-21 08:09:10.500");
   EXPECT_EQ(Canonical("2026-11-21 08:09:10.1239"), "2026-11-21 08:09:10.123");
   EXPECT_EQ(Canonical("  21/11/2026  "), "2026-11-21 00:00:00");
+}
+
+// Literals are read here rather than by the platform's ParseDate (which has
+// no milliseconds); both must agree on every date the library writes.
+TEST(DateText, AgreesWithThePlatformsParseDate) {
+  for (const char* text :
+       {"21/11/2026", "1/2/2026 7:05", "21/11/2026 23:59:59", "2026-11-21T08:09:10", "2026-1-5",
+        "  21/11/2026 ", "21/11/2026  10:00", "29/02/2024", "29/02/2026", "31/04/2026", "21/11/26",
+        "21/11/2026 24:00", "30/12/1899", "31/12/9999 23:59:59", "2026-11-21 10:00:60"}) {
+    const auto ours = ParseDateText(text, false);
+    const auto platform = vek::ParseDate(text);
+    ASSERT_EQ(ours.has_value(), platform.has_value()) << text;
+    if (!ours) continue;
+    const vek::DateParts parts = vek::SplitDate(*platform);
+    EXPECT_EQ(ours->year, parts.year) << text;
+    EXPECT_EQ(ours->month, parts.month) << text;
+    EXPECT_EQ(ours->day, parts.day) << text;
+    EXPECT_EQ(ours->hour, parts.hour) << text;
+    EXPECT_EQ(ours->minute, parts.minute) << text;
+    EXPECT_EQ(ours->second, parts.second) << text;
+  }
 }
 
 TEST(DateText, RefusesImpossibleAndForeignForms) {

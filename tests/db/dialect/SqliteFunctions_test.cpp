@@ -19,7 +19,9 @@ class SqliteFunctions : public ::testing::Test {
     const Rows rows = db_.Query("SELECT " + expression);
     return rows.empty() ? "<no row>" : rows[0][0];
   }
-  std::string EvalError(const std::string& expression) { return db_.QueryError("SELECT " + expression); }
+  std::string EvalError(const std::string& expression) {
+    return db_.QueryError("SELECT " + expression);
+  }
 
   SqliteTestDb db_;
 };
@@ -43,7 +45,8 @@ TEST_F(SqliteFunctions, DateDiffCountsBoundariesCrossed) {
   EXPECT_EQ(Eval("vek_datediff('day', '2024-02-28', '2024-03-01')"), "2");
   EXPECT_EQ(Eval("vek_datediff('hour', '2026-11-21 10:59:59', '2026-11-21 11:00:00')"), "1");
   EXPECT_EQ(Eval("vek_datediff('second', '2026-11-21 10:00:00.999', '2026-11-21 10:00:01')"), "1");
-  EXPECT_EQ(Eval("vek_datediff('millisecond', '2026-11-21 10:00:00.999', '2026-11-21 10:00:01')"), "1");
+  EXPECT_EQ(Eval("vek_datediff('millisecond', '2026-11-21 10:00:00.999', '2026-11-21 10:00:01')"),
+            "1");
   EXPECT_EQ(Eval("vek_datediff('month', '2026-01-31', '2026-02-01')"), "1");
   EXPECT_EQ(Eval("vek_datediff('year', '2026-12-31 23:59:59', '2027-01-01')"), "1");
   EXPECT_EQ(Eval("vek_datediff('quarter', '2026-03-31', '2026-04-01')"), "1");
@@ -57,8 +60,10 @@ TEST_F(SqliteFunctions, DateDiffCountsBoundariesCrossed) {
 TEST_F(SqliteFunctions, DateDiffReadsEveryDateFormAndRefusesOthers) {
   EXPECT_EQ(Eval("vek_datediff('minute', '2026-11-21T10:00:00', '21/11/2026 10:02')"), "2");
   EXPECT_EQ(Eval("vek_datediff('day', '2026-11-21', '2026-11-22 00:00:00.000')"), "1");
-  EXPECT_NE(EvalError("vek_datediff('day', 'amanhã', '2026-11-21')").find("Conversion failed"), std::string::npos);
-  EXPECT_NE(EvalError("vek_datediff('fortnight', '2026-11-21', '2026-11-21')").find("datediff"), std::string::npos);
+  EXPECT_NE(EvalError("vek_datediff('day', 'amanhã', '2026-11-21')").find("Conversion failed"),
+            std::string::npos);
+  EXPECT_NE(EvalError("vek_datediff('fortnight', '2026-11-21', '2026-11-21')").find("datediff"),
+            std::string::npos);
   EXPECT_NE(EvalError("vek_datediff('millisecond', '2000-01-01', '2026-01-01')").find("overflow"),
             std::string::npos);
 }
@@ -73,7 +78,8 @@ TEST_F(SqliteFunctions, DateArithmetic) {
   EXPECT_EQ(Eval("vek_dateadd('year', -1, '2024-02-29')"), "2023-02-28 00:00:00");
   EXPECT_EQ(Eval("vek_dateadd('minute', 2, '2026-11-21 23:59:00')"), "2026-11-22 00:01:00");
   EXPECT_EQ(Eval("vek_dateadd('day', 1.9, '2026-11-21')"), "2026-11-22 00:00:00");
-  EXPECT_NE(EvalError("vek_dateadd('year', 9000, '2026-11-21')").find("overflow"), std::string::npos);
+  EXPECT_NE(EvalError("vek_dateadd('year', 9000, '2026-11-21')").find("overflow"),
+            std::string::npos);
   EXPECT_EQ(Eval("vek_date('2026-11-21 23:59:59')"), "2026-11-21 00:00:00");
   EXPECT_EQ(Eval("vek_datetime('21/11/2026 7:05')"), "2026-11-21 07:05:00");
   EXPECT_EQ(Eval("vek_datepart('weekday', '2026-11-22')"), "1");  // Sunday
@@ -106,7 +112,8 @@ TEST_F(SqliteFunctions, RuntimePlusConcatenatesTextsAndAddsNumbers) {
   EXPECT_EQ(Eval("vek_add(1.5, ' 2 ')"), "3.5");
   EXPECT_EQ(Eval("vek_add(NULL, 'a')"), "NULL");
   EXPECT_EQ(Eval("vek_add(9223372036854775807, 1)"), "9.22337203685478e+18");
-  EXPECT_NE(EvalError("vek_add('ABC1234', 1)").find("'ABC1234' to data type int"), std::string::npos);
+  EXPECT_NE(EvalError("vek_add('ABC1234', 1)").find("'ABC1234' to data type int"),
+            std::string::npos);
 }
 
 TEST_F(SqliteFunctions, RoundIsDecimalAndHalfAwayFromZero) {
@@ -124,6 +131,7 @@ TEST_F(SqliteFunctions, RoundIsDecimalAndHalfAwayFromZero) {
   EXPECT_EQ(Eval("typeof(vek_round(7, 2))"), "integer");
   EXPECT_EQ(Eval("vek_round(0.004, 2)"), "0.0");
   EXPECT_EQ(Eval("vek_round(NULL, 2)"), "NULL");
+  EXPECT_NE(EvalError("vek_round(9223372036854775807, -1)").find("overflow"), std::string::npos);
 }
 
 TEST_F(SqliteFunctions, TextFunctionsCountCharactersNotBytes) {
@@ -181,12 +189,14 @@ TEST_F(SqliteFunctions, LikeIsCaseInsensitiveAccentSensitiveWithSqlServerWildcar
 TEST_F(SqliteFunctions, CollationComparesAsSqlServersDefault) {
   db_.Exec("CREATE TABLE p (Nm_Pessoa TEXT COLLATE SQLSERVER_CI_AS)");
   db_.Exec(
-      "INSERT INTO p VALUES ('Zé'), ('Antônio'), ('ana'), ('Ângela'), ('Ana'), ('Bruno'), ('JOÃO'), "
+      "INSERT INTO p VALUES ('Zé'), ('Antônio'), ('ana'), ('Ângela'), ('Ana'), ('Bruno'), "
+      "('JOÃO'), "
       "('joão  '), ('Joao')");
   EXPECT_EQ(db_.Query("SELECT count(*) FROM p WHERE Nm_Pessoa = 'joão'")[0][0], "2");
   EXPECT_EQ(db_.Query("SELECT count(*) FROM p WHERE Nm_Pessoa = 'JOAO'")[0][0], "1");
   EXPECT_EQ(db_.Query("SELECT count(DISTINCT Nm_Pessoa) FROM p")[0][0], "7");
-  const Rows ordered = db_.Query("SELECT Nm_Pessoa FROM p WHERE Nm_Pessoa < 'B' ORDER BY Nm_Pessoa, rowid");
+  const Rows ordered =
+      db_.Query("SELECT Nm_Pessoa FROM p WHERE Nm_Pessoa < 'B' ORDER BY Nm_Pessoa, rowid");
   ASSERT_EQ(ordered.size(), 4u);
   EXPECT_EQ(ordered[0][0], "ana");
   EXPECT_EQ(ordered[1][0], "Ana");
@@ -202,12 +212,14 @@ TEST_F(SqliteFunctions, CollationComparesAsSqlServersDefault) {
 TEST_F(SqliteFunctions, DatabaseNamesForSysDatabases) {
   EXPECT_EQ(Eval("vek_database_name('main', '/var/lib/vek/Terminal.db')"), "Terminal");
   EXPECT_EQ(Eval("vek_database_name('main', '')"), "main");
-  EXPECT_EQ(Eval("vek_database_name('MDESTACIONAMENTO', '/x/MDESTACIONAMENTO.db')"), "MDESTACIONAMENTO");
+  EXPECT_EQ(Eval("vek_database_name('MDESTACIONAMENTO', '/x/MDESTACIONAMENTO.db')"),
+            "MDESTACIONAMENTO");
 }
 
 TEST_F(SqliteFunctions, UnknownDoubleQuotedNamesAreErrorsNotStrings) {
   db_.Exec("CREATE TABLE t (a INTEGER)");
-  EXPECT_NE(db_.QueryError("SELECT \"no_such_column\" FROM t").find("no such column"), std::string::npos);
+  EXPECT_NE(db_.QueryError("SELECT \"no_such_column\" FROM t").find("no such column"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -2,9 +2,8 @@
 // An in-memory SQLite database with the SQL Server functions registered on a
 // clock that the test sets, for running translated statements.
 
-#include <sqlite3.h>
-
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <functional>
 #include <memory>

@@ -15,7 +15,9 @@ using testing::Rows;
 using testing::SqliteTestDb;
 using testing::TranslationError;
 
-bool Mentions(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Mentions(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
 
 class SqliteTranslator : public ::testing::Test {
  protected:
@@ -23,26 +25,34 @@ class SqliteTranslator : public ::testing::Test {
     db_.Exec(
         "CREATE TABLE TbTicketEstacionamento (Cd_Placa TEXT COLLATE SQLSERVER_CI_AS, "
         "Cd_TicketEstacionamento INTEGER, No_Situacao INTEGER, Vl_Tarifa REAL, "
-        "Qt_TempoPermanenciaMinutos INTEGER, Dt_Saida TEXT, Dt_Entrada TEXT, Cd_EmpresaUsuariaSistema INTEGER, "
-        "Cd_ClienteEstacionamento INTEGER, Cd_Caixa INTEGER, Ic_Mensalista INTEGER, Cd_ClienteConvenio INTEGER, "
+        "Qt_TempoPermanenciaMinutos INTEGER, Dt_Saida TEXT, Dt_Entrada TEXT, "
+        "Cd_EmpresaUsuariaSistema INTEGER, "
+        "Cd_ClienteEstacionamento INTEGER, Cd_Caixa INTEGER, Ic_Mensalista INTEGER, "
+        "Cd_ClienteConvenio INTEGER, "
         "Ds_Ticket TEXT, Cd_CartaoEstacionamento INTEGER, Ic_TicketRevalidado INTEGER)");
   }
 
   // A ticket through the translator, as the library writes its literals.
   void AddTicket(int number, const std::string& plate, int state, const std::string& entry,
-                 const std::string& exit, int client = 0, int monthly = 0, const std::string& code = "NULL") {
-    db_.Run("INSERT INTO TbTicketEstacionamento (Cd_Placa, Cd_TicketEstacionamento, No_Situacao, Vl_Tarifa, "
-            "Dt_Saida, Dt_Entrada, Cd_EmpresaUsuariaSistema, Cd_ClienteEstacionamento, Ic_Mensalista, Ds_Ticket, "
-            "Cd_CartaoEstacionamento, Cd_Caixa)\rValues (" +
-            plate + "," + std::to_string(number) + "," + std::to_string(state) + ",0," + exit + "," + entry +
-            ",1," + std::to_string(client) + "," + std::to_string(monthly) + "," + code + ",0,7)");
+                 const std::string& exit, int client = 0, int monthly = 0,
+                 const std::string& code = "NULL") {
+    db_.Run(
+        "INSERT INTO TbTicketEstacionamento (Cd_Placa, Cd_TicketEstacionamento, No_Situacao, "
+        "Vl_Tarifa, "
+        "Dt_Saida, Dt_Entrada, Cd_EmpresaUsuariaSistema, Cd_ClienteEstacionamento, Ic_Mensalista, "
+        "Ds_Ticket, "
+        "Cd_CartaoEstacionamento, Cd_Caixa)\rValues (" +
+        plate + "," + std::to_string(number) + "," + std::to_string(state) + ",0," + exit + "," +
+        entry + ",1," + std::to_string(client) + "," + std::to_string(monthly) + "," + code +
+        ",0,7)");
   }
 
   void CreateTimetables() {
     db_.Exec(
         "CREATE TABLE TbHorariosLinha (Cd_EmpresaUsuariaSistema INTEGER, Cd_Linha INTEGER, "
         "Cd_HorarioLinha INTEGER, Cd_EmpresaOnibus INTEGER, Cd_TipoOnibus INTEGER, Hr_Saida TEXT, "
-        "Hr_Chegada TEXT, Ic_TemEmbarques INTEGER, Ic_TemDesembarque INTEGER, No_Plataforma INTEGER, "
+        "Hr_Chegada TEXT, Ic_TemEmbarques INTEGER, Ic_TemDesembarque INTEGER, No_Plataforma "
+        "INTEGER, "
         "Dt_Inicial TEXT, Dt_Final TEXT, Ic_ViagemNoSabado INTEGER)");
   }
 
@@ -52,54 +62,65 @@ class SqliteTranslator : public ::testing::Test {
 // ---- TOP ----------------------------------------------------------------------
 
 TEST_F(SqliteTranslator, TopBecomesLimitAtTheEndOfItsSelect) {
-  db_.Exec("CREATE TABLE TbFechamentoDiario (Cd_EmpresaUsuariaSistema INTEGER, Dt_FechamentoDiario TEXT)");
-  db_.Run("INSERT INTO TbFechamentoDiario VALUES (1, '19/11/2026'), (2, '21/11/2026'), (1, '20/11/2026')");
-  const Rows latest = db_.Run(Lines({"SELECT   TOP 1 *", "FROM     TbFechamentoDiario",
-                                     "ORDER BY Dt_FechamentoDiario Desc"}));
+  db_.Exec(
+      "CREATE TABLE TbFechamentoDiario (Cd_EmpresaUsuariaSistema INTEGER, Dt_FechamentoDiario "
+      "TEXT)");
+  db_.Run(
+      "INSERT INTO TbFechamentoDiario VALUES (1, '19/11/2026'), (2, '21/11/2026'), (1, "
+      "'20/11/2026')");
+  const Rows latest = db_.Run(Lines(
+      {"SELECT   TOP 1 *", "FROM     TbFechamentoDiario", "ORDER BY Dt_FechamentoDiario Desc"}));
   ASSERT_EQ(latest.size(), 1u);
   EXPECT_EQ(latest[0][1], "2026-11-21 00:00:00");
   EXPECT_EQ(db_.Run("SELECT   TOP 0 * FROM TbFechamentoDiario").size(), 0u);
   EXPECT_EQ(db_.Run("SELECT TOP (2) * FROM TbFechamentoDiario ORDER BY 2").size(), 2u);
-  EXPECT_EQ(db_.Run("SELECT DISTINCT TOP 5 Cd_EmpresaUsuariaSistema FROM TbFechamentoDiario").size(), 2u);
+  EXPECT_EQ(
+      db_.Run("SELECT DISTINCT TOP 5 Cd_EmpresaUsuariaSistema FROM TbFechamentoDiario").size(), 2u);
   // The library's closing ";" line and a trailing comment stay after the LIMIT.
-  const Rows first = db_.Run(Lines({"SELECT TOP 1", "         TbFechamentoDiario.*", "FROM     TbFechamentoDiario",
-                                    "WHERE    TbFechamentoDiario.Cd_EmpresaUsuariaSistema = 1",
-                                    "ORDER BY TbFechamentoDiario.Dt_FechamentoDiario Desc;"}));
+  const Rows first =
+      db_.Run(Lines({"SELECT TOP 1", "         TbFechamentoDiario.*", "FROM     TbFechamentoDiario",
+                     "WHERE    TbFechamentoDiario.Cd_EmpresaUsuariaSistema = 1",
+                     "ORDER BY TbFechamentoDiario.Dt_FechamentoDiario Desc;"}));
   ASSERT_EQ(first.size(), 1u);
   EXPECT_EQ(first[0][1], "2026-11-20 00:00:00");
-  EXPECT_EQ(db_.Run(Lines({"SELECT TOP 1 A.*", "FROM   TbFechamentoDiario A",
-                           "WHERE  Dt_FechamentoDiario Between '20/11/2026 00:00' And '21/11/2026 23:59'",
-                           "-- (Data Atual - 11 horas) And (Data Atual + 12 horas)"}))
-                .size(),
-            1u);
+  EXPECT_EQ(
+      db_.Run(Lines({"SELECT TOP 1 A.*", "FROM   TbFechamentoDiario A",
+                     "WHERE  Dt_FechamentoDiario Between '20/11/2026 00:00' And '21/11/2026 23:59'",
+                     "-- (Data Atual - 11 horas) And (Data Atual + 12 horas)"}))
+          .size(),
+      1u);
 }
 
 TEST_F(SqliteTranslator, TopInsideSubqueriesAndUnionBranches) {
   db_.Exec("CREATE TABLE Evento (Cd INTEGER, Evento INTEGER, Dt_Passagem TEXT)");
-  db_.Run("INSERT INTO Evento VALUES (1, 1, '20/11/2026 08:00'), (1, 2, '20/11/2026 18:00'), "
-          "(2, 2, '20/11/2026 08:00'), (2, 1, '21/11/2026 07:00')");
+  db_.Run(
+      "INSERT INTO Evento VALUES (1, 1, '20/11/2026 08:00'), (1, 2, '20/11/2026 18:00'), "
+      "(2, 2, '20/11/2026 08:00'), (2, 1, '21/11/2026 07:00')");
   // The card is inside when its latest passage is an entry.
-  const Rows inside = db_.Run(Lines({"SELECT DISTINCT A.Cd", "FROM   Evento A",
-                                     "WHERE  IsNull((SELECT   TOP 1", "                       Evento",
-                                     "               FROM     Evento", "               WHERE    Cd = A.Cd",
-                                     "               ORDER BY Dt_Passagem DESC),'0') = 1"}));
+  const Rows inside = db_.Run(Lines(
+      {"SELECT DISTINCT A.Cd", "FROM   Evento A", "WHERE  IsNull((SELECT   TOP 1",
+       "                       Evento", "               FROM     Evento",
+       "               WHERE    Cd = A.Cd", "               ORDER BY Dt_Passagem DESC),'0') = 1"}));
   ASSERT_EQ(inside.size(), 1u);
   EXPECT_EQ(inside[0][0], "2");
   // SQLite refuses LIMIT before UNION: each branch with TOP is wrapped, and
   // the final ORDER BY still orders the whole.
-  const Rows both = db_.Run(Lines({"SELECT TOP 1 Dt_Passagem FROM Evento WHERE Cd = 1", "UNION ALL",
-                                   "SELECT TOP 2 Dt_Passagem FROM Evento WHERE Cd = 2", "ORDER BY 1 DESC"}));
+  const Rows both =
+      db_.Run(Lines({"SELECT TOP 1 Dt_Passagem FROM Evento WHERE Cd = 1", "UNION ALL",
+                     "SELECT TOP 2 Dt_Passagem FROM Evento WHERE Cd = 2", "ORDER BY 1 DESC"}));
   ASSERT_EQ(both.size(), 3u);
   EXPECT_GE(both[0][0], both[1][0]);
   EXPECT_GE(both[1][0], both[2][0]);
   EXPECT_EQ(both[0][0], "2026-11-21 07:00:00");
-  const Rows last = db_.Run("SELECT Cd FROM Evento WHERE Evento = 2 UNION SELECT TOP 0 Cd FROM Evento");
+  const Rows last =
+      db_.Run("SELECT Cd FROM Evento WHERE Evento = 2 UNION SELECT TOP 0 Cd FROM Evento");
   EXPECT_EQ(last.size(), 2u);
 }
 
 TEST_F(SqliteTranslator, TopFormsWithoutALimitEquivalentAreRefused) {
   EXPECT_TRUE(Mentions(TranslationError("SELECT TOP 10 PERCENT * FROM t"), "PERCENT"));
-  EXPECT_TRUE(Mentions(TranslationError("SELECT TOP 1 WITH TIES * FROM t ORDER BY a"), "WITH TIES"));
+  EXPECT_TRUE(
+      Mentions(TranslationError("SELECT TOP 1 WITH TIES * FROM t ORDER BY a"), "WITH TIES"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT TOP x * FROM t"), "TOP"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT TOP -1 * FROM t"), "TOP"));
   EXPECT_TRUE(Mentions(TranslationError("DELETE TOP (1) FROM t"), "DELETE TOP"));
@@ -110,11 +131,14 @@ TEST_F(SqliteTranslator, TopFormsWithoutALimitEquivalentAreRefused) {
 // ---- the server's clock and dates ---------------------------------------------------
 
 TEST_F(SqliteTranslator, GetDateInAnyCaseIsTheConnectionsClock) {
-  db_.Exec("CREATE TABLE TbTicketSanitario (Cd_EmpresaUsuariaSistema INTEGER, Cd_TicketSanitario INTEGER, "
-           "Dt_Entrada TEXT, Cd_Tarifa INTEGER, Vl_Tarifa REAL, Qt_Unidade INTEGER, Cd_Caixa INTEGER)");
-  db_.Run(Lines({"INSERT INTO TbTicketSanitario (", "   Cd_EmpresaUsuariaSistema,", "   Cd_TicketSanitario,",
-                 "   Dt_Entrada,", "   Cd_Tarifa,", "   Vl_Tarifa,", "   Qt_Unidade,", "   Cd_Caixa", "   )",
-                 "Values (", "1,", "5,", "Getdate(),", "3,", "1.50,", "2,", "7", ")"}));
+  db_.Exec(
+      "CREATE TABLE TbTicketSanitario (Cd_EmpresaUsuariaSistema INTEGER, Cd_TicketSanitario "
+      "INTEGER, "
+      "Dt_Entrada TEXT, Cd_Tarifa INTEGER, Vl_Tarifa REAL, Qt_Unidade INTEGER, Cd_Caixa INTEGER)");
+  db_.Run(Lines({"INSERT INTO TbTicketSanitario (", "   Cd_EmpresaUsuariaSistema,",
+                 "   Cd_TicketSanitario,", "   Dt_Entrada,", "   Cd_Tarifa,", "   Vl_Tarifa,",
+                 "   Qt_Unidade,", "   Cd_Caixa", "   )", "Values (", "1,", "5,", "Getdate(),",
+                 "3,", "1.50,", "2,", "7", ")"}));
   EXPECT_EQ(db_.Value("SELECT Dt_Entrada FROM TbTicketSanitario"), "2026-11-21 10:30:15");
   EXPECT_EQ(db_.Value("SELECT getDate()"), "2026-11-21 10:30:15");
   EXPECT_EQ(db_.Value("SELECT GETDATE()"), "2026-11-21 10:30:15");
@@ -126,21 +150,24 @@ TEST_F(SqliteTranslator, GetDateInAnyCaseIsTheConnectionsClock) {
 TEST_F(SqliteTranslator, TimetableValidityComparesMomentsOrDaysAsWritten) {
   CreateTimetables();
   // Valid until today at midnight; until tomorrow; open-ended; ended yesterday; starts tomorrow.
-  db_.Run("INSERT INTO TbHorariosLinha (Cd_HorarioLinha, Dt_Inicial, Dt_Final, Ic_ViagemNoSabado) VALUES "
-          "(1, '01/11/2026', '21/11/2026', 1), (2, '21/11/2026', '22/11/2026', 1), (3, NULL, NULL, 1), "
-          "(4, '01/11/2026', '20/11/2026', 1), (5, '22/11/2026', NULL, 1), (6, NULL, NULL, 0)");
+  db_.Run(
+      "INSERT INTO TbHorariosLinha (Cd_HorarioLinha, Dt_Inicial, Dt_Final, Ic_ViagemNoSabado) "
+      "VALUES "
+      "(1, '01/11/2026', '21/11/2026', 1), (2, '21/11/2026', '22/11/2026', 1), (3, NULL, NULL, 1), "
+      "(4, '01/11/2026', '20/11/2026', 1), (5, '22/11/2026', NULL, 1), (6, NULL, NULL, 0)");
   // The trips of the day compare the full moment: today's midnight is past.
-  const Rows of_the_day = db_.Run(Lines({"SELECT * ", "FROM   TbHorariosLinha ", "WHERE  Ic_ViagemNoSabado <> 0 ",
-                                         "And (", "getDate() >= Dt_Inicial ", "Or Dt_Inicial Is Null) ", "And (",
-                                         "getDate() <= Dt_Final ", "Or Dt_Final Is Null) "}));
+  const Rows of_the_day =
+      db_.Run(Lines({"SELECT * ", "FROM   TbHorariosLinha ", "WHERE  Ic_ViagemNoSabado <> 0 ",
+                     "And (", "getDate() >= Dt_Inicial ", "Or Dt_Inicial Is Null) ", "And (",
+                     "getDate() <= Dt_Final ", "Or Dt_Final Is Null) "}));
   std::vector<std::string> codes;
   for (const auto& row : of_the_day) codes.push_back(row[2]);
   EXPECT_EQ(codes, (std::vector<std::string>{"2", "3"}));
   // The search compares days: a timetable ending today still runs today.
-  const Rows search =
-      db_.Run(Lines({"SELECT Cd_HorarioLinha FROM TbHorariosLinha A",
-                     "WHERE (A.Dt_Inicial Is Null Or CONVERT(date, GetDate()) >= A.Dt_Inicial)",
-                     "And (A.Dt_Final Is Null Or CONVERT(date, GetDate()) <= A.Dt_Final)", "ORDER BY 1"}));
+  const Rows search = db_.Run(
+      Lines({"SELECT Cd_HorarioLinha FROM TbHorariosLinha A",
+             "WHERE (A.Dt_Inicial Is Null Or CONVERT(date, GetDate()) >= A.Dt_Inicial)",
+             "And (A.Dt_Final Is Null Or CONVERT(date, GetDate()) <= A.Dt_Final)", "ORDER BY 1"}));
   codes.clear();
   for (const auto& row : search) codes.push_back(row[0]);
   EXPECT_EQ(codes, (std::vector<std::string>{"1", "2", "3", "6"}));
@@ -152,27 +179,36 @@ TEST_F(SqliteTranslator, DateLiteralsBecomeStoredDateText) {
   AddTicket(2, "'B'", 2, "'20/11/2026 00:00:00'", "'20/11/2026 00:00:00'");
   AddTicket(3, "'C'", 2, "'2026-11-21 08:00'", "'21/11/2026 23:59:59'");
   AddTicket(4, "'D'", 2, "'21/11/2026 08:00:01'", "'22/11/2026 00:00:00'");
-  const Rows period = db_.Run(Lines({"SELECT   IsNull(TbTicketEstacionamento.Cd_Placa,'') As Cd_Placa,",
-                                     "         TbTicketEstacionamento.Dt_Saida", "FROM     TbTicketEstacionamento",
-                                     "WHERE    TbTicketEstacionamento.Cd_EmpresaUsuariaSistema = 1",
-                                     "         And TbTicketEstacionamento.No_Situacao = 2",
-                                     "         And TbTicketEstacionamento.Dt_Saida Between '20/11/2026 00:00:00' "
-                                     "And '21/11/2026 23:59:59'",
-                                     "ORDER BY TbTicketEstacionamento.Dt_Saida"}));
+  const Rows period =
+      db_.Run(Lines({"SELECT   IsNull(TbTicketEstacionamento.Cd_Placa,'') As Cd_Placa,",
+                     "         TbTicketEstacionamento.Dt_Saida", "FROM     TbTicketEstacionamento",
+                     "WHERE    TbTicketEstacionamento.Cd_EmpresaUsuariaSistema = 1",
+                     "         And TbTicketEstacionamento.No_Situacao = 2",
+                     "         And TbTicketEstacionamento.Dt_Saida Between '20/11/2026 00:00:00' "
+                     "And '21/11/2026 23:59:59'",
+                     "ORDER BY TbTicketEstacionamento.Dt_Saida"}));
   ASSERT_EQ(period.size(), 2u);
   EXPECT_EQ(period[0][0], "B");
   EXPECT_EQ(period[1][0], "C");
   EXPECT_EQ(period[1][1], "2026-11-21 23:59:59");
   // Minute precision ('dd/mm/yyyy hh:nn') means hh:nn:00.
-  EXPECT_EQ(db_.Value("SELECT count(*) FROM TbTicketEstacionamento WHERE Dt_Entrada <= '21/11/2026 08:00'"), "3");
-  EXPECT_EQ(db_.Value("SELECT count(*) FROM TbTicketEstacionamento WHERE Dt_Entrada > '2026-11-20'"), "2");
-  EXPECT_EQ(db_.Value("SELECT count(*) FROM TbTicketEstacionamento WHERE Dt_Entrada >= N'19/11/2026'"), "4");
+  EXPECT_EQ(
+      db_.Value(
+          "SELECT count(*) FROM TbTicketEstacionamento WHERE Dt_Entrada <= '21/11/2026 08:00'"),
+      "3");
+  EXPECT_EQ(
+      db_.Value("SELECT count(*) FROM TbTicketEstacionamento WHERE Dt_Entrada > '2026-11-20'"),
+      "2");
+  EXPECT_EQ(
+      db_.Value("SELECT count(*) FROM TbTicketEstacionamento WHERE Dt_Entrada >= N'19/11/2026'"),
+      "4");
 }
 
 TEST_F(SqliteTranslator, OtherStringsStayAsTheyAre) {
   db_.Exec("CREATE TABLE TbCor (Cd_Cor INTEGER, Nm_Cor TEXT)");
-  db_.Run("INSERT INTO TbCor VALUES (1, '12345-678'), (2, '31/02/2026'), (3, '2026-11-21abc'), "
-          "(4, N'D''ÁVILA -- não é comentário'), (5, '10:30'), (6, ' 21/11/2026'), (7, '21/11/26')");
+  db_.Run(
+      "INSERT INTO TbCor VALUES (1, '12345-678'), (2, '31/02/2026'), (3, '2026-11-21abc'), "
+      "(4, N'D''ÁVILA -- não é comentário'), (5, '10:30'), (6, ' 21/11/2026'), (7, '21/11/26')");
   const Rows rows = db_.Run("SELECT Nm_Cor FROM TbCor ORDER BY Cd_Cor");
   ASSERT_EQ(rows.size(), 7u);
   EXPECT_EQ(rows[0][0], "12345-678");
@@ -188,25 +224,34 @@ TEST_F(SqliteTranslator, DateDiffCountsBoundariesExactly) {
   CreateTickets();
   AddTicket(1, "'A'", 2, "'21/11/2026 10:00:59'", "'21/11/2026 10:01:00'", 9, 1);  // 1 minute
   AddTicket(2, "'B'", 2, "'21/11/2026 00:00:00'", "'21/11/2026 00:05:00'", 9, 1);  // 5 minutes
-  AddTicket(3, "'C'", 2, "'20/11/2026 23:59:00'", "'21/11/2026 00:01:00'", 9, 1);  // 2 minutes, 1 day
-  AddTicket(4, "'D'", 2, "'20/11/2026 08:00:00'", "NULL", 9, 1);                   // no exit: 0
-  AddTicket(5, "'E'", 2, "'19/11/2026 08:00:00'", "'19/11/2026 09:00:00'", 9, 1);  // before the entry day
+  AddTicket(3, "'C'", 2, "'20/11/2026 23:59:00'", "'21/11/2026 00:01:00'", 9,
+            1);                                                   // 2 minutes, 1 day
+  AddTicket(4, "'D'", 2, "'20/11/2026 08:00:00'", "NULL", 9, 1);  // no exit: 0
+  AddTicket(5, "'E'", 2, "'19/11/2026 08:00:00'", "'19/11/2026 09:00:00'", 9,
+            1);  // before the entry day
   AddTicket(6, "'F'", 1, "'21/11/2026 08:00:00'", "'21/11/2026 09:00:00'", 9, 1);  // still pending
-  const std::string minutes = db_.Value(Lines(
-      {"SELECT Sum(IsNull(DATEDIFF(N,TbTicketEstacionamento.Dt_Entrada,TbTicketEstacionamento.Dt_Saida),0)) As "
-       "Qt_MinutosPermanenciaoOutrosTickets",
-       "From   TbTicketEstacionamento", "Where  TbTicketEstacionamento.Cd_EmpresaUsuariaSistema = 1",
-       "       And TbTicketEstacionamento.Cd_ClienteEstacionamento = 9",
-       "       And TbTicketEstacionamento.Ic_Mensalista = 1", "       And TbTicketEstacionamento.No_Situacao = 2",
-       "       And TbTicketEstacionamento.Dt_Entrada >= '20/11/2026'"}));
+  const std::string minutes =
+      db_.Value(Lines({"SELECT "
+                       "Sum(IsNull(DATEDIFF(N,TbTicketEstacionamento.Dt_Entrada,"
+                       "TbTicketEstacionamento.Dt_Saida),0)) As "
+                       "Qt_MinutosPermanenciaoOutrosTickets",
+                       "From   TbTicketEstacionamento",
+                       "Where  TbTicketEstacionamento.Cd_EmpresaUsuariaSistema = 1",
+                       "       And TbTicketEstacionamento.Cd_ClienteEstacionamento = 9",
+                       "       And TbTicketEstacionamento.Ic_Mensalista = 1",
+                       "       And TbTicketEstacionamento.No_Situacao = 2",
+                       "       And TbTicketEstacionamento.Dt_Entrada >= '20/11/2026'"}));
   EXPECT_EQ(minutes, "8");
   const Rows units = db_.Run(
       "SELECT DATEDIFF(mi, Dt_Entrada, Dt_Saida), DATEDIFF(minute, Dt_Entrada, Dt_Saida), "
-      "DATEDIFF(day, Dt_Entrada, Dt_Saida), DATEDIFF(dd, Dt_Entrada, Dt_Saida), DATEDIFF(d, Dt_Entrada, Dt_Saida), "
-      "DATEDIFF(hh, Dt_Entrada, Dt_Saida), DATEDIFF(ss, Dt_Entrada, Dt_Saida), DATEDIFF(s, Dt_Entrada, Dt_Saida), "
+      "DATEDIFF(day, Dt_Entrada, Dt_Saida), DATEDIFF(dd, Dt_Entrada, Dt_Saida), DATEDIFF(d, "
+      "Dt_Entrada, Dt_Saida), "
+      "DATEDIFF(hh, Dt_Entrada, Dt_Saida), DATEDIFF(ss, Dt_Entrada, Dt_Saida), DATEDIFF(s, "
+      "Dt_Entrada, Dt_Saida), "
       "DATEDIFF(mm, Dt_Entrada, '01/12/2026'), DATEDIFF(yyyy, Dt_Entrada, '01/01/2027') "
       "FROM TbTicketEstacionamento WHERE Cd_TicketEstacionamento = 3");
-  EXPECT_EQ(units[0], (std::vector<std::string>{"2", "2", "1", "1", "1", "1", "120", "120", "1", "1"}));
+  EXPECT_EQ(units[0],
+            (std::vector<std::string>{"2", "2", "1", "1", "1", "1", "120", "120", "1", "1"}));
   EXPECT_TRUE(Mentions(TranslationError("SELECT DATEDIFF(fortnight, a, b) FROM t"), "fortnight"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT DATEDIFF(day, a) FROM t"), "DATEDIFF"));
 }
@@ -229,39 +274,52 @@ TEST_F(SqliteTranslator, OldPendingEntriesAreDeletedAfterNinetyMidnights) {
 // ---- CONVERT, CAST and "+" ---------------------------------------------------------------
 
 TEST_F(SqliteTranslator, CashReportFeedConvertsQuantitiesAndDates) {
-  db_.Exec("CREATE TABLE TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Ds_Tarifa TEXT)");
-  db_.Exec("CREATE TABLE TbTicketSanitario (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, "
-           "Qt_Unidade INTEGER, Vl_Tarifa REAL, Cd_Caixa INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Ds_Tarifa "
+      "TEXT)");
+  db_.Exec(
+      "CREATE TABLE TbTicketSanitario (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, "
+      "Qt_Unidade INTEGER, Vl_Tarifa REAL, Cd_Caixa INTEGER)");
   db_.Exec("CREATE TABLE TbPessoa (cd_pessoa INTEGER, nm_pessoa TEXT)");
-  db_.Exec("CREATE TABLE TbApuracaoReceita (Cd_EmpresaUsuariaSistema INTEGER, No_ApuracaoReceita INTEGER, "
-           "Cd_Pessoa INTEGER, Cd_Caixa INTEGER, Ic_TotalizacaoDeCaixa INTEGER, Dt_Inicial TEXT, "
-           "Vl_ApuracaoReceita REAL)");
-  db_.Exec("CREATE TABLE TempApuracaoReceita7 (Ds_Tipo TEXT, Cd INTEGER, Ds TEXT, Ds_Observacao TEXT, "
-           "Vl_Unitario REAL, Vl_Total REAL)");
+  db_.Exec(
+      "CREATE TABLE TbApuracaoReceita (Cd_EmpresaUsuariaSistema INTEGER, No_ApuracaoReceita "
+      "INTEGER, "
+      "Cd_Pessoa INTEGER, Cd_Caixa INTEGER, Ic_TotalizacaoDeCaixa INTEGER, Dt_Inicial TEXT, "
+      "Vl_ApuracaoReceita REAL)");
+  db_.Exec(
+      "CREATE TABLE TempApuracaoReceita7 (Ds_Tipo TEXT, Cd INTEGER, Ds TEXT, Ds_Observacao TEXT, "
+      "Vl_Unitario REAL, Vl_Total REAL)");
   db_.Run("INSERT INTO TbTarifa VALUES (1, 3, 'SANITÁRIO')");
-  db_.Run("INSERT INTO TbTicketSanitario VALUES (1, 3, 2, 1.335, 7), (1, 3, 1, 1.335, 7), (2, 3, 9, 1.335, 7)");
+  db_.Run(
+      "INSERT INTO TbTicketSanitario VALUES (1, 3, 2, 1.335, 7), (1, 3, 1, 1.335, 7), (2, 3, 9, "
+      "1.335, 7)");
   db_.Run("INSERT INTO TbPessoa VALUES (40, 'Maria D''Ávila')");
   db_.Run("INSERT INTO TbApuracaoReceita VALUES (1, 12, 40, 7, 0, '01/11/2026', 150.0)");
   db_.Run("DELETE FROM TempApuracaoReceita7");
-  db_.Run(Lines({"INSERT INTO TempApuracaoReceita7", "SELECT   'SANITARIO' AS Ds_Tipo,", "         A.Cd_Tarifa,",
-                 "         B.Ds_Tarifa,", "         'QTDE:' + Convert(Varchar,Sum(A.Qt_Unidade)) As Ds_Observacao,",
-                 "         A.Vl_Tarifa,", "         Sum(Round(A.Qt_Unidade * A.Vl_Tarifa,2)) As Vl_Total",
-                 "FROM     TbTicketSanitario A",
-                 "         INNER JOIN TbTarifa B On A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema",
-                 "                    And A.Cd_Tarifa = B.Cd_Tarifa",
-                 "WHERE    A.Cd_EmpresaUsuariaSistema = 1", "         And A.Cd_Caixa = 7", "GROUP BY A.Cd_Tarifa,",
-                 "         B.Ds_Tarifa,", "         A.Vl_Tarifa"}));
-  db_.Run(Lines({"INSERT INTO TempApuracaoReceita7", "SELECT   'MENSALISTA' AS Ds_Tipo,",
-                 "         TbApuracaoReceita.No_ApuracaoReceita,", "         TbPessoa.nm_pessoa,",
-                 "         CONVERT(Varchar,TbApuracaoReceita.Dt_Inicial,103) As Ds_Observacao,",
-                 "         TbApuracaoReceita.Vl_ApuracaoReceita,",
-                 "         TbApuracaoReceita.Vl_ApuracaoReceita As Vl_Total", "From     TbApuracaoReceita",
-                 "         INNER JOIN TbPessoa On tbapuracaoreceita.cd_pessoa = TbPessoa.cd_pessoa",
-                 "WHERE    TbApuracaoReceita.Cd_EmpresaUsuariaSistema = 1",
-                 "         And TbApuracaoReceita.Cd_Caixa = 7", "         And Ic_TotalizacaoDeCaixa = 0"}));
-  const Rows report = db_.Run("SELECT Ds_Tipo, Ds, Ds_Observacao, Vl_Total FROM TempApuracaoReceita7 ORDER BY 1");
+  db_.Run(Lines(
+      {"INSERT INTO TempApuracaoReceita7", "SELECT   'SANITARIO' AS Ds_Tipo,",
+       "         A.Cd_Tarifa,", "         B.Ds_Tarifa,",
+       "         'QTDE:' + Convert(Varchar,Sum(A.Qt_Unidade)) As Ds_Observacao,",
+       "         A.Vl_Tarifa,", "         Sum(Round(A.Qt_Unidade * A.Vl_Tarifa,2)) As Vl_Total",
+       "FROM     TbTicketSanitario A",
+       "         INNER JOIN TbTarifa B On A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema",
+       "                    And A.Cd_Tarifa = B.Cd_Tarifa",
+       "WHERE    A.Cd_EmpresaUsuariaSistema = 1", "         And A.Cd_Caixa = 7",
+       "GROUP BY A.Cd_Tarifa,", "         B.Ds_Tarifa,", "         A.Vl_Tarifa"}));
+  db_.Run(Lines(
+      {"INSERT INTO TempApuracaoReceita7", "SELECT   'MENSALISTA' AS Ds_Tipo,",
+       "         TbApuracaoReceita.No_ApuracaoReceita,", "         TbPessoa.nm_pessoa,",
+       "         CONVERT(Varchar,TbApuracaoReceita.Dt_Inicial,103) As Ds_Observacao,",
+       "         TbApuracaoReceita.Vl_ApuracaoReceita,",
+       "         TbApuracaoReceita.Vl_ApuracaoReceita As Vl_Total", "From     TbApuracaoReceita",
+       "         INNER JOIN TbPessoa On tbapuracaoreceita.cd_pessoa = TbPessoa.cd_pessoa",
+       "WHERE    TbApuracaoReceita.Cd_EmpresaUsuariaSistema = 1",
+       "         And TbApuracaoReceita.Cd_Caixa = 7", "         And Ic_TotalizacaoDeCaixa = 0"}));
+  const Rows report =
+      db_.Run("SELECT Ds_Tipo, Ds, Ds_Observacao, Vl_Total FROM TempApuracaoReceita7 ORDER BY 1");
   ASSERT_EQ(report.size(), 2u);
-  EXPECT_EQ(report[0], (std::vector<std::string>{"MENSALISTA", "Maria D'Ávila", "01/11/2026", "150.0"}));
+  EXPECT_EQ(report[0],
+            (std::vector<std::string>{"MENSALISTA", "Maria D'Ávila", "01/11/2026", "150.0"}));
   // 2 x 1.335 = 2.67 and 1 x 1.335 = 1.335 -> 1.34: each line rounded before the sum.
   EXPECT_EQ(report[1], (std::vector<std::string>{"SANITARIO", "SANITÁRIO", "QTDE:3", "4.01"}));
 }
@@ -271,13 +329,15 @@ TEST_F(SqliteTranslator, ConvertAndCastTargets) {
   db_.Run("INSERT INTO T VALUES (2.675, '21/11/2026 23:59:59', 1234567)");
   const Rows rows = db_.Run(
       "SELECT CONVERT(int, Qt_Valor), CONVERT(decimal(10,2), Qt_Valor), CONVERT(money, 1.23456), "
-      "CAST(Qt_Valor AS varchar(10)), '[' + CONVERT(char(6), 'ab') + ']', CAST(Dt_Movimento AS date), "
-      "CONVERT(datetime, '21/11/2026 7:05'), CONVERT(varchar(3), Codigo), CAST(Codigo AS float) / 2, "
+      "CAST(Qt_Valor AS varchar(10)), '[' + CONVERT(char(6), 'ab') + ']', CAST(Dt_Movimento AS "
+      "date), "
+      "CONVERT(datetime, '21/11/2026 7:05'), CONVERT(varchar(3), Codigo), CAST(Codigo AS float) / "
+      "2, "
       "CONVERT(varchar, Dt_Movimento, 120), CONVERT(nvarchar(max), Codigo) FROM T");
   ASSERT_EQ(rows.size(), 1u);
-  EXPECT_EQ(rows[0], (std::vector<std::string>{"2", "2.68", "1.2346", "2.675", "[ab    ]", "2026-11-21 00:00:00",
-                                               "2026-11-21 07:05:00", "*", "617283.5", "2026-11-21 23:59:59",
-                                               "1234567"}));
+  EXPECT_EQ(rows[0], (std::vector<std::string>{"2", "2.68", "1.2346", "2.675", "[ab    ]",
+                                               "2026-11-21 00:00:00", "2026-11-21 07:05:00", "*",
+                                               "617283.5", "2026-11-21 23:59:59", "1234567"}));
   EXPECT_TRUE(Mentions(TranslationError("SELECT CONVERT(bit, 1)"), "bit"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT CONVERT(varchar, x, 999) FROM t"), "999"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT CONVERT(datetime, '11/21/2026', 101)"), "101"));
@@ -287,26 +347,35 @@ TEST_F(SqliteTranslator, ConvertAndCastTargets) {
 
 TEST_F(SqliteTranslator, PlusConcatenatesTextsAndAddsNumbersAndDays) {
   db_.Exec("CREATE TABLE TbCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_Uf TEXT)");
-  db_.Exec("CREATE TABLE TbContaReceber (No_ContaReceber INTEGER, Dt_Vencimento TEXT, Qt_DiasProrrogacao INTEGER, "
-           "Qt_EmbarquesComPassagem INTEGER, Qt_EmbarquesSemPassagem INTEGER, Codigo, Outro)");
+  db_.Exec(
+      "CREATE TABLE TbContaReceber (No_ContaReceber INTEGER, Dt_Vencimento TEXT, "
+      "Qt_DiasProrrogacao INTEGER, "
+      "Qt_EmbarquesComPassagem INTEGER, Qt_EmbarquesSemPassagem INTEGER, Codigo, Outro)");
   db_.Run("INSERT INTO TbCidade VALUES (1, 'São João del-Rei', 'MG'), (2, NULL, 'SP')");
-  db_.Run("INSERT INTO TbContaReceber VALUES (1, '30/11/2026', 3, 10, 2, 'AB', 'CD'), "
-          "(2, '31/12/2026 23:59:59', NULL, 1, NULL, 5, 7)");
-  const Rows names = db_.Run("SELECT D.Nm_Cidade + '/' + D.Sg_Uf As Nm_CidadeOrigem FROM TbCidade D ORDER BY Cd_Cidade");
+  db_.Run(
+      "INSERT INTO TbContaReceber VALUES (1, '30/11/2026', 3, 10, 2, 'AB', 'CD'), "
+      "(2, '31/12/2026 23:59:59', NULL, 1, NULL, 5, 7)");
+  const Rows names = db_.Run(
+      "SELECT D.Nm_Cidade + '/' + D.Sg_Uf As Nm_CidadeOrigem FROM TbCidade D ORDER BY Cd_Cidade");
   EXPECT_EQ(names[0][0], "São João del-Rei/MG");
   EXPECT_EQ(names[1][0], "NULL");  // NULL + text is NULL, as in SQL Server
   const Rows sums = db_.Run(
       "SELECT A.Dt_Vencimento + A.Qt_DiasProrrogacao as Dt_VencProrrogado, "
-      "Sum(A.Qt_EmbarquesComPassagem + A.Qt_EmbarquesSemPassagem) As Qt_Embarques, A.Codigo + A.Outro, "
+      "Sum(A.Qt_EmbarquesComPassagem + A.Qt_EmbarquesSemPassagem) As Qt_Embarques, A.Codigo + "
+      "A.Outro, "
       "Qt_EmbarquesComPassagem * 2 + Qt_EmbarquesSemPassagem, 1 + A.Dt_Vencimento - 2 "
       "FROM TbContaReceber A GROUP BY No_ContaReceber ORDER BY No_ContaReceber");
-  EXPECT_EQ(sums[0], (std::vector<std::string>{"2026-12-03 00:00:00", "12", "ABCD", "22", "2026-11-29 00:00:00"}));
-  EXPECT_EQ(sums[1], (std::vector<std::string>{"NULL", "NULL", "12", "NULL", "2026-12-30 23:59:59"}));
+  EXPECT_EQ(sums[0], (std::vector<std::string>{"2026-12-03 00:00:00", "12", "ABCD", "22",
+                                               "2026-11-29 00:00:00"}));
+  EXPECT_EQ(sums[1],
+            (std::vector<std::string>{"NULL", "NULL", "12", "NULL", "2026-12-30 23:59:59"}));
   EXPECT_EQ(db_.Value("SELECT getdate() - 1"), "2026-11-20 10:30:15");
-  EXPECT_EQ(db_.Value("SELECT Max(Dt_Vencimento) + 0.5 FROM TbContaReceber"), "2027-01-01 11:59:59");
+  EXPECT_EQ(db_.Value("SELECT Max(Dt_Vencimento) + 0.5 FROM TbContaReceber"),
+            "2027-01-01 11:59:59");
   EXPECT_EQ(db_.Value("SELECT 'Total: ' + CONVERT(varchar, (2 + 3) * 2)"), "Total: 10");
   EXPECT_EQ(db_.Value("SELECT 'a' + (CASE WHEN 1 = 1 THEN 'b' ELSE 'c' END) + Upper('ç')"), "abÇ");
-  EXPECT_TRUE(Mentions(db_.RunError("SELECT Codigo + 1 FROM TbContaReceber WHERE No_ContaReceber = 1"), "'AB'"));
+  EXPECT_TRUE(Mentions(
+      db_.RunError("SELECT Codigo + 1 FROM TbContaReceber WHERE No_ContaReceber = 1"), "'AB'"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT Dt_Entrada + 'x' FROM t"), "date"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT Dt_Saida - Dt_Entrada FROM t"), "DATEDIFF"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT 1 - Dt_Entrada FROM t"), "date"));
@@ -317,39 +386,53 @@ TEST_F(SqliteTranslator, PlusConcatenatesTextsAndAddsNumbersAndDays) {
 
 TEST_F(SqliteTranslator, AccessControlDatabaseByThreeAndFourPartNames) {
   db_.Exec("ATTACH ':memory:' AS MDESTACIONAMENTO");
-  db_.Exec("CREATE TABLE MDESTACIONAMENTO.CLIENTE (IDEMPRESACADASTRO INTEGER, IDCLIENTE INTEGER, NOME TEXT, "
-           "VAGASEMUSO INTEGER)");
-  db_.Exec("CREATE TABLE MDESTACIONAMENTO.CLIENTECARTAO (IDEMPRESACADASTRO INTEGER, IDCLIENTE INTEGER, "
-           "IDEMPRESACARTAO INTEGER, IDCARTAO INTEGER, CODIGOCARTAO INTEGER, NOMEPROPRIETARIO TEXT)");
-  db_.Exec("CREATE TABLE MDESTACIONAMENTO.LOGPERMANENCIAMENSALISTA (IDLOGPERMANENCIA INTEGER PRIMARY KEY, "
-           "IDEMPRESA INTEGER, IDEMPRESACARTAO INTEGER, IDCARTAO INTEGER, EVENTO INTEGER, DATAHORAPASSAGEM TEXT, "
-           "Cd_TicketEstacionamento INTEGER)");
-  db_.Exec("CREATE TABLE TbClienteEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, Cd_ClienteEstacionamento "
-           "INTEGER, Cd_Tarifa INTEGER)");
-  db_.Run("INSERT INTO MDESTACIONAMENTO.dbo.CLIENTE VALUES (1, 10, 'José da Silva Xavier Pereira', 2), "
-          "(1, 11, 'Ana', 0)");
-  db_.Run("INSERT INTO MDESTACIONAMENTO.dbo.CLIENTECARTAO VALUES (1, 10, 1, 100, 123456, 'José'), "
-          "(1, 11, 1, 101, 777, 'Ana')");
-  db_.Run("INSERT INTO MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA VALUES "
-          "(1, 1, 1, 100, 1, '20/11/2026 08:00', NULL), (2, 1, 1, 100, 2, '20/11/2026 18:00', NULL), "
-          "(3, 1, 1, 100, 1, '21/11/2026 07:00', NULL), (4, 1, 1, 101, 1, '21/11/2026 07:30', NULL)");
+  db_.Exec(
+      "CREATE TABLE MDESTACIONAMENTO.CLIENTE (IDEMPRESACADASTRO INTEGER, IDCLIENTE INTEGER, NOME "
+      "TEXT, "
+      "VAGASEMUSO INTEGER)");
+  db_.Exec(
+      "CREATE TABLE MDESTACIONAMENTO.CLIENTECARTAO (IDEMPRESACADASTRO INTEGER, IDCLIENTE INTEGER, "
+      "IDEMPRESACARTAO INTEGER, IDCARTAO INTEGER, CODIGOCARTAO INTEGER, NOMEPROPRIETARIO TEXT)");
+  db_.Exec(
+      "CREATE TABLE MDESTACIONAMENTO.LOGPERMANENCIAMENSALISTA (IDLOGPERMANENCIA INTEGER PRIMARY "
+      "KEY, "
+      "IDEMPRESA INTEGER, IDEMPRESACARTAO INTEGER, IDCARTAO INTEGER, EVENTO INTEGER, "
+      "DATAHORAPASSAGEM TEXT, "
+      "Cd_TicketEstacionamento INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbClienteEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, "
+      "Cd_ClienteEstacionamento "
+      "INTEGER, Cd_Tarifa INTEGER)");
+  db_.Run(
+      "INSERT INTO MDESTACIONAMENTO.dbo.CLIENTE VALUES (1, 10, 'José da Silva Xavier Pereira', 2), "
+      "(1, 11, 'Ana', 0)");
+  db_.Run(
+      "INSERT INTO MDESTACIONAMENTO.dbo.CLIENTECARTAO VALUES (1, 10, 1, 100, 123456, 'José'), "
+      "(1, 11, 1, 101, 777, 'Ana')");
+  db_.Run(
+      "INSERT INTO MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA VALUES "
+      "(1, 1, 1, 100, 1, '20/11/2026 08:00', NULL), (2, 1, 1, 100, 2, '20/11/2026 18:00', NULL), "
+      "(3, 1, 1, 100, 1, '21/11/2026 07:00', NULL), (4, 1, 1, 101, 1, '21/11/2026 07:30', NULL)");
   db_.Run("INSERT INTO dbo.TbClienteEstacionamento VALUES (1, 10, 5), (1, 12, 5)");
 
-  const Rows client = db_.Run(Lines(
-      {"SELECT TbClienteEstacionamento.*,",
-       "       IsNull(MDESTACIONAMENTO.DBO.CLIENTE.VAGASEMUSO,0) As Qt_VagasEmUso",
-       "FROM   TbClienteEstacionamento",
-       "       LEFT JOIN MDESTACIONAMENTO.DBO.CLIENTE ON MDESTACIONAMENTO.DBO.CLIENTE.IDEMPRESACADASTRO = "
-       "TbClienteEstacionamento.Cd_EmpresaUsuariaSistema",
-       "                 And MDESTACIONAMENTO.DBO.CLIENTE.IDCLIENTE = TbClienteEstacionamento.Cd_ClienteEstacionamento",
-       "WHERE  TbClienteEstacionamento.Cd_EmpresaUsuariaSistema = 1", "ORDER BY 2"}));
+  const Rows client =
+      db_.Run(Lines({"SELECT TbClienteEstacionamento.*,",
+                     "       IsNull(MDESTACIONAMENTO.DBO.CLIENTE.VAGASEMUSO,0) As Qt_VagasEmUso",
+                     "FROM   TbClienteEstacionamento",
+                     "       LEFT JOIN MDESTACIONAMENTO.DBO.CLIENTE ON "
+                     "MDESTACIONAMENTO.DBO.CLIENTE.IDEMPRESACADASTRO = "
+                     "TbClienteEstacionamento.Cd_EmpresaUsuariaSistema",
+                     "                 And MDESTACIONAMENTO.DBO.CLIENTE.IDCLIENTE = "
+                     "TbClienteEstacionamento.Cd_ClienteEstacionamento",
+                     "WHERE  TbClienteEstacionamento.Cd_EmpresaUsuariaSistema = 1", "ORDER BY 2"}));
   ASSERT_EQ(client.size(), 2u);
   EXPECT_EQ(client[0][3], "2");
   EXPECT_EQ(client[1][3], "0");  // unknown to the access-control system
 
   const std::string joins = Lines(
       {"FROM     MDESTACIONAMENTO.dbo.CLIENTE As Cliente",
-       "         INNER JOIN MDESTACIONAMENTO.dbo.CLIENTECARTAO As Cartao ON Cartao.IDEMPRESACADASTRO = "
+       "         INNER JOIN MDESTACIONAMENTO.dbo.CLIENTECARTAO As Cartao ON "
+       "Cartao.IDEMPRESACADASTRO = "
        "cliente.IDEMPRESACADASTRO",
        "                   And Cartao.IDCLIENTE = Cliente.IDCLIENTE",
        "         INNER JOIN MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA As LogPermanencia ON "
@@ -363,33 +446,123 @@ TEST_F(SqliteTranslator, AccessControlDatabaseByThreeAndFourPartNames) {
        "                              And IDCARTAO = Cartao.IDCARTAO",
        "                     ORDER BY DATAHORAPASSAGEM DESC),'0') = 1"});
   const Rows yard = db_.Run(Lines(
-      {"SELECT   Substring('CARTAO:' + Convert(Varchar,Cartao.CODIGOCARTAO) + '-' + Cliente.NOME,1,28) As Ds_Ticket,",
+      {"SELECT   Substring('CARTAO:' + Convert(Varchar,Cartao.CODIGOCARTAO) + '-' + "
+       "Cliente.NOME,1,28) As Ds_Ticket,",
        "         Max(LogPermanencia.DATAHORAPASSAGEM),", "      1   As Ic_Mensalista", joins,
        "GROUP BY Convert(Varchar,Cartao.CODIGOCARTAO),", "         Cliente.NOME", "ORDER BY 2"}));
   ASSERT_EQ(yard.size(), 1u);
-  EXPECT_EQ(yard[0], (std::vector<std::string>{"CARTAO:123456-José da Silva ", "2026-11-21 07:00:00", "1"}));
+  EXPECT_EQ(yard[0],
+            (std::vector<std::string>{"CARTAO:123456-José da Silva ", "2026-11-21 07:00:00", "1"}));
 
   // The delete through the join removes the entries of the card inside, only.
   db_.Run("DELETE   MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA\r" + joins);
-  const Rows logs = db_.Run("SELECT IDLOGPERMANENCIA FROM MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA ORDER BY 1");
+  const Rows logs = db_.Run(
+      "SELECT IDLOGPERMANENCIA FROM MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA ORDER BY 1");
   ASSERT_EQ(logs.size(), 2u);
   EXPECT_EQ(logs[0][0], "2");
   EXPECT_EQ(logs[1][0], "4");
 
-  db_.Run(Lines({"UPDATE MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA", "SET    Cd_TicketEstacionamento = 55",
-                 "WHERE  IDEMPRESA = 1", "       And IDLOGPERMANENCIA = 4"}));
-  const Rows pending = db_.Run(Lines(
-      {"SELECT   MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.*,", "         MDESTACIONAMENTO.dbo.CLIENTECARTAO.IDCLIENTE",
-       "FROM     MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA",
-       "         INNER JOIN MDESTACIONAMENTO.dbo.CLIENTECARTAO ON MDESTACIONAMENTO.dbo.CLIENTECARTAO.IDEMPRESACARTAO = "
-       "MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDEMPRESACARTAO",
-       "                    And MDESTACIONAMENTO.dbo.CLIENTECARTAO.IDCARTAO = "
-       "MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDCARTAO",
-       "WHERE    Cd_TicketEstacionamento IS NULL",
-       "ORDER BY MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDLOGPERMANENCIA"}));
+  db_.Run(Lines({"UPDATE MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA",
+                 "SET    Cd_TicketEstacionamento = 55", "WHERE  IDEMPRESA = 1",
+                 "       And IDLOGPERMANENCIA = 4"}));
+  const Rows pending =
+      db_.Run(Lines({"SELECT   MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.*,",
+                     "         MDESTACIONAMENTO.dbo.CLIENTECARTAO.IDCLIENTE",
+                     "FROM     MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA",
+                     "         INNER JOIN MDESTACIONAMENTO.dbo.CLIENTECARTAO ON "
+                     "MDESTACIONAMENTO.dbo.CLIENTECARTAO.IDEMPRESACARTAO = "
+                     "MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDEMPRESACARTAO",
+                     "                    And MDESTACIONAMENTO.dbo.CLIENTECARTAO.IDCARTAO = "
+                     "MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDCARTAO",
+                     "WHERE    Cd_TicketEstacionamento IS NULL",
+                     "ORDER BY MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDLOGPERMANENCIA"}));
   ASSERT_EQ(pending.size(), 1u);
   EXPECT_EQ(pending[0][0], "2");
   EXPECT_EQ(pending[0].back(), "10");
+}
+
+TEST_F(SqliteTranslator, YardListJoinsThreeSourcesOrderedByEntry) {
+  CreateTickets();
+  db_.Exec("CREATE TABLE TbVeiculo (cd_placa TEXT, Cd_Cor INTEGER, Cd_MarcaModelo INTEGER)");
+  db_.Exec("CREATE TABLE TbCor (Cd_Cor INTEGER, Nm_Cor TEXT)");
+  db_.Exec("CREATE TABLE TbMarcaModelo (Cd_MarcaModelo INTEGER, Ds_MarcaModelo TEXT)");
+  db_.Exec("ATTACH ':memory:' AS MDESTACIONAMENTO");
+  db_.Exec(
+      "CREATE TABLE MDESTACIONAMENTO.CARTOESAVULSOS (CODIGOCARTAO TEXT, DATAHORAENTRADA TEXT)");
+  db_.Run("INSERT INTO TbVeiculo VALUES ('ABC1234', 1, 1)");
+  db_.Run("INSERT INTO TbMarcaModelo VALUES (1, 'FIAT UNO')");
+  AddTicket(1, "'ABC1234'", 1, "'21/11/2026 09:00'", "NULL");
+  AddTicket(2, "'XYZ9876'", 1, "'21/11/2026 08:00'", "NULL", 0, 0, "'12345678901230001'");
+  AddTicket(3, "'OLD0001'", 2, "'20/11/2026 08:00'", "'20/11/2026 09:00'");
+  // One loose ticket has a row here (its first 13 characters), the other only at the gates.
+  db_.Run(
+      "INSERT INTO MDESTACIONAMENTO.dbo.CARTOESAVULSOS VALUES ('1234567890123', '21/11/2026 "
+      "08:00'), "
+      "('9999999999999', '21/11/2026 07:15')");
+  const Rows yard = db_.Run(
+      Lines({"SELECT   Case When TbTicketEstacionamento.Ds_Ticket IS NULL Then ",
+             "                   'PLACA.:' +",
+             "                   IsNull(TbTicketEstacionamento.Cd_Placa,'') + ',' +",
+             "                   IsNull(TbMarcaModelo.Ds_MarcaModelo,'') ",
+             "             Else 'TICKET:' + IsNull(TbTicketEstacionamento.Ds_Ticket,'') ",
+             "         End As Ds_Ticket,",
+             "         TbTicketEstacionamento.Dt_Entrada,",
+             "         TbTicketEstacionamento.Ic_Mensalista",
+             "FROM     TbTicketEstacionamento",
+             "         Left Join TbVeiculo On TbTicketEstacionamento.Cd_Placa = TbVeiculo.cd_placa",
+             "         Left Join TbCor On TbVeiculo.Cd_Cor = TbCor.Cd_Cor",
+             "         Left Join TbMarcaModelo On TbVeiculo.Cd_MarcaModelo = "
+             "TbMarcaModelo.Cd_MarcaModelo",
+             "WHERE    TbTicketEstacionamento.Cd_EmpresaUsuariaSistema = 1",
+             "         And TbTicketEstacionamento.No_situacao = 1",
+             "         And TbTicketEstacionamento.Cd_Placa IS NOT NULL",
+             "UNION ALL",
+             "SELECT   'TICKET:' + MDESTACIONAMENTO.dbo.CARTOESAVULSOS.CODIGOCARTAO + '***' As "
+             "Ds_Ticket,",
+             "         MDESTACIONAMENTO.dbo.CARTOESAVULSOS.DATAHORAENTRADA As Dt_Entrada,",
+             "         0 As Ic_Mensalista",
+             "FROM     MDESTACIONAMENTO.dbo.CARTOESAVULSOS",
+             "         LEFT JOIN TbTicketEstacionamento ON "
+             "Substring(TbTicketEstacionamento.Ds_Ticket,1,13) = "
+             "MDESTACIONAMENTO.dbo.CARTOESAVULSOS.CODIGOCARTAO",
+             "WHERE    TbTicketEstacionamento.Ds_Ticket IS NULL",
+             "ORDER BY 2"}));
+  ASSERT_EQ(yard.size(), 3u);
+  EXPECT_EQ(yard[0],
+            (std::vector<std::string>{"TICKET:9999999999999***", "2026-11-21 07:15:00", "0"}));
+  EXPECT_EQ(yard[1],
+            (std::vector<std::string>{"TICKET:12345678901230001", "2026-11-21 08:00:00", "0"}));
+  EXPECT_EQ(yard[2],
+            (std::vector<std::string>{"PLACA.:ABC1234,FIAT UNO", "2026-11-21 09:00:00", "0"}));
+}
+
+TEST_F(SqliteTranslator, AgreementVacanciesAtAMomentWithACorrelatedCount) {
+  CreateTickets();
+  db_.Exec(
+      "CREATE TABLE TbConvenioEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, Cd_ClienteConvenio "
+      "INTEGER, "
+      "Qt_Vagas INTEGER)");
+  db_.Run("INSERT INTO TbConvenioEstacionamento VALUES (1, 30, 5)");
+  // Left exactly at the moment (does not count), a second later, never, and one being edited.
+  AddTicket(1, "'A'", 2, "'21/11/2026 08:00'", "'21/11/2026 10:30:15'", 0, 0);
+  AddTicket(2, "'B'", 2, "'21/11/2026 08:00'", "'21/11/2026 10:30:16'", 0, 0);
+  AddTicket(3, "'C'", 1, "'21/11/2026 08:00'", "NULL", 0, 0);
+  AddTicket(4, "'D'", 1, "'21/11/2026 09:00'", "NULL", 0, 0);
+  db_.Run("UPDATE TbTicketEstacionamento SET Cd_ClienteConvenio = 30");
+  const std::string free_places = db_.Value(Lines(
+      {"SELECT TbConvenioEstacionamento.Qt_Vagas -", "       (SELECT Count(1)",
+       "        FROM   TbTicketEstacionamento",
+       "        WHERE  TbTicketEstacionamento.Cd_EmpresaUsuariaSistema = "
+       "TbConvenioEstacionamento.Cd_EmpresaUsuariaSistema",
+       "               And TbTicketEstacionamento.Cd_ClienteConvenio = "
+       "TbConvenioEstacionamento.Cd_ClienteConvenio",
+       "               And TbTicketEstacionamento.Cd_TicketEstacionamento <> 4",
+       "               And (TbTicketEstacionamento.Dt_Saida > '21/11/2026 10:30:15'",
+       "                    Or TbTicketEstacionamento.Dt_Saida  IS NULL)) As Qt_VagasDisponiveis",
+       "FROM   TbConvenioEstacionamento",
+       "WHERE  TbConvenioEstacionamento.Cd_EmpresaUsuariaSistema = 1",
+       "       And TbConvenioEstacionamento.Cd_ClienteConvenio = 30"}));
+  EXPECT_EQ(free_places, "3");
 }
 
 TEST_F(SqliteTranslator, BracketedAndOwnerQualifiedNames) {
@@ -419,16 +592,20 @@ TEST_F(SqliteTranslator, SysDatabasesListsTheAttachedDatabases) {
 // ---- DELETE, UPDATE, INSERT -----------------------------------------------------------
 
 TEST_F(SqliteTranslator, DeleteForms) {
-  db_.Exec("CREATE TABLE TbViagemOnibus (Cd_EmpresaUsuariaSistema INTEGER, Cd_ViagemOnibus INTEGER, "
-           "Hr_Previsto TEXT, No_Plataforma INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbViagemOnibus (Cd_EmpresaUsuariaSistema INTEGER, Cd_ViagemOnibus INTEGER, "
+      "Hr_Previsto TEXT, No_Plataforma INTEGER)");
   const auto reset = [&] {
     db_.Exec("DELETE FROM TbViagemOnibus");
-    db_.Run("INSERT INTO TbViagemOnibus VALUES (1, 1, '21/11/2026 08:00', 1), (1, 2, '21/11/2026 08:00', 2), "
-            "(2, 3, '21/11/2026 08:00', 3), (1, 4, '21/11/2026 08:01', 3)");
+    db_.Run(
+        "INSERT INTO TbViagemOnibus VALUES (1, 1, '21/11/2026 08:00', 1), (1, 2, '21/11/2026 "
+        "08:00', 2), "
+        "(2, 3, '21/11/2026 08:00', 3), (1, 4, '21/11/2026 08:01', 3)");
   };
   const auto remaining = [&] {
     std::string codes;
-    for (const auto& row : db_.Run("SELECT Cd_ViagemOnibus FROM TbViagemOnibus ORDER BY 1")) codes += row[0];
+    for (const auto& row : db_.Run("SELECT Cd_ViagemOnibus FROM TbViagemOnibus ORDER BY 1"))
+      codes += row[0];
     return codes;
   };
   reset();
@@ -436,14 +613,16 @@ TEST_F(SqliteTranslator, DeleteForms) {
                  "And Hr_Previsto = '2026-11-21 08:00:00'", ";"}));
   EXPECT_EQ(remaining(), "34");
   reset();
-  db_.Run("DELETE FROM TbViagemOnibus A WHERE A.No_Plataforma = 3 AND A.Cd_EmpresaUsuariaSistema = 1");
+  db_.Run(
+      "DELETE FROM TbViagemOnibus A WHERE A.No_Plataforma = 3 AND A.Cd_EmpresaUsuariaSistema = 1");
   EXPECT_EQ(remaining(), "123");
   reset();
   db_.Run("DELETE TbViagemOnibus WHERE No_Plataforma = 1");
   EXPECT_EQ(remaining(), "234");
   reset();
-  db_.Run("DELETE A FROM TbViagemOnibus A JOIN TbViagemOnibus B ON B.No_Plataforma = A.No_Plataforma "
-          "AND B.Cd_ViagemOnibus <> A.Cd_ViagemOnibus");
+  db_.Run(
+      "DELETE A FROM TbViagemOnibus A JOIN TbViagemOnibus B ON B.No_Plataforma = A.No_Plataforma "
+      "AND B.Cd_ViagemOnibus <> A.Cd_ViagemOnibus");
   EXPECT_EQ(remaining(), "12");
   reset();
   db_.Run(Lines({"DELETE", "FROM   TbViagemOnibus", "WHERE  Cd_ViagemOnibus = 2"}));
@@ -451,24 +630,32 @@ TEST_F(SqliteTranslator, DeleteForms) {
   reset();
   db_.Run("TRUNCATE TABLE TbViagemOnibus");
   EXPECT_EQ(remaining(), "");
-  EXPECT_TRUE(Mentions(TranslationError("DELETE T FROM U JOIN V ON U.a = V.a"), "not in the FROM clause"));
+  EXPECT_TRUE(
+      Mentions(TranslationError("DELETE T FROM U JOIN V ON U.a = V.a"), "not in the FROM clause"));
   EXPECT_TRUE(Mentions(TranslationError("DELETE FROM WHERE a = 1"), "DELETE"));
 }
 
 TEST_F(SqliteTranslator, UpdateAndInsertForms) {
-  db_.Exec("CREATE TABLE TbCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_Cidade TEXT, Sg_UF TEXT, Cd_UF INTEGER, "
-           "Qt_DistanciaEmKm INTEGER)");
-  db_.Exec("CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_Cidade TEXT, Sg_UF TEXT, Cd_UF "
+      "INTEGER, "
+      "Qt_DistanciaEmKm INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)");
   db_.Exec("CREATE TABLE TbEscalasHorarioLinha (Cd_Linha INTEGER, Cd_Cidade INTEGER)");
-  db_.Exec("CREATE TABLE TempCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_Cidade TEXT, Sg_UF TEXT, Cd_UF INTEGER, "
-           "Qt_DistanciaEmKm INTEGER, Ic_ExisteArquivoSom INTEGER)");
-  db_.Run("INSERT TbCidade VALUES (1, 'Belo Horizonte', 'BHZ', 'MG', 31, 0), (2, 'São Paulo', 'SAO', 'SP', 35, 586), "
-          "(3, 'Três Corações', 'TCO', 'MG', 31, 280)");
+  db_.Exec(
+      "CREATE TABLE TempCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_Cidade TEXT, Sg_UF TEXT, "
+      "Cd_UF INTEGER, "
+      "Qt_DistanciaEmKm INTEGER, Ic_ExisteArquivoSom INTEGER)");
+  db_.Run(
+      "INSERT TbCidade VALUES (1, 'Belo Horizonte', 'BHZ', 'MG', 31, 0), (2, 'São Paulo', 'SAO', "
+      "'SP', 35, 586), "
+      "(3, 'Três Corações', 'TCO', 'MG', 31, 280)");
   db_.Run("INSERT INTO TbLinha VALUES (1, 1, 2), (2, 2, 1)");
   db_.Run("INSERT INTO TbEscalasHorarioLinha VALUES (1, 3), (2, 2)");
   db_.Run(Lines({"Delete", "from TempCidade"}));
-  const std::string columns = Lines({"SELECT   B.Cd_Cidade,", "B.Nm_Cidade,", "B.Sg_Cidade,", "B.Sg_UF,", "B.Cd_UF,",
-                                     "B.Qt_DistanciaEmKm,", "0"});
+  const std::string columns = Lines({"SELECT   B.Cd_Cidade,", "B.Nm_Cidade,", "B.Sg_Cidade,",
+                                     "B.Sg_UF,", "B.Cd_UF,", "B.Qt_DistanciaEmKm,", "0"});
   db_.Run(Lines({"INSERT INTO TempCidade", columns, "FROM     TbLinha A",
                  "INNER JOIN TbCidade B On B.Cd_Cidade = A.Cd_CidadeOrigem"}));
   db_.Run(Lines({"INSERT INTO TempCidade", columns, "FROM     TbLinha A",
@@ -476,85 +663,132 @@ TEST_F(SqliteTranslator, UpdateAndInsertForms) {
   db_.Run(Lines({"INSERT INTO TempCidade", columns, "FROM     TbEscalasHorarioLinha A",
                  "INNER JOIN TbCidade B On B.Cd_Cidade = A.Cd_Cidade"}));
   db_.Run(Lines({"Update TempCidade", "Set    Ic_ExisteArquivoSom = 1", "Where  Cd_Cidade = 2"}));
-  db_.Run("UPDATE TempCidade SET TempCidade.Nm_Cidade = Upper(Nm_Cidade) + '!' WHERE Cd_Cidade = 3");
-  const Rows cities = db_.Run(Lines({"SELECT   DISTINCT *", "from TempCidade", "ORDER BY Cd_Cidade"}));
+  db_.Run(
+      "UPDATE TempCidade SET TempCidade.Nm_Cidade = Upper(Nm_Cidade) + '!' WHERE Cd_Cidade = 3");
+  const Rows cities =
+      db_.Run(Lines({"SELECT   DISTINCT *", "from TempCidade", "ORDER BY Cd_Cidade"}));
   ASSERT_EQ(cities.size(), 3u);
   EXPECT_EQ(cities[1][6], "1");
   EXPECT_EQ(cities[2][1], "TRÊS CORAÇÕES!");
-  EXPECT_TRUE(Mentions(TranslationError("UPDATE A SET x = 1 FROM TempCidade A JOIN TbCidade B ON A.x = B.x"),
-                       "UPDATE ... FROM"));
+  EXPECT_TRUE(Mentions(
+      TranslationError("UPDATE A SET x = 1 FROM TempCidade A JOIN TbCidade B ON A.x = B.x"),
+      "UPDATE ... FROM"));
   EXPECT_TRUE(Mentions(TranslationError("INSERT INTO t EXEC proc"), "EXEC"));
 }
 
 // ---- queries as the system writes them -----------------------------------------------------
 
 TEST_F(SqliteTranslator, TillTakingsUnionOrderedByTariff) {
-  db_.Exec("CREATE TABLE TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Ds_Tarifa TEXT)");
-  db_.Exec("CREATE TABLE TbTicketEstacionamento_TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, "
-           "Cd_TicketEstacionamento INTEGER, Qt_Unidade INTEGER, Vl_Tarifa REAL)");
-  db_.Exec("CREATE TABLE TbTicketEstacionamento (cd_empresausuariasistema INTEGER, Cd_TicketEstacionamento INTEGER, "
-           "Cd_Caixa INTEGER)");
-  db_.Exec("CREATE TABLE TbTicketSanitario (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Qt_Unidade INTEGER, "
-           "Vl_Tarifa REAL, Cd_Caixa INTEGER)");
-  db_.Run("INSERT INTO TbTarifa VALUES (1, 2, 'ESTACIONAMENTO 1H'), (1, 1, 'SANITARIO'), (2, 2, 'OUTRA')");
+  db_.Exec(
+      "CREATE TABLE TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Ds_Tarifa "
+      "TEXT)");
+  db_.Exec(
+      "CREATE TABLE TbTicketEstacionamento_TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa "
+      "INTEGER, "
+      "Cd_TicketEstacionamento INTEGER, Qt_Unidade INTEGER, Vl_Tarifa REAL)");
+  db_.Exec(
+      "CREATE TABLE TbTicketEstacionamento (cd_empresausuariasistema INTEGER, "
+      "Cd_TicketEstacionamento INTEGER, "
+      "Cd_Caixa INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbTicketSanitario (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, "
+      "Qt_Unidade INTEGER, "
+      "Vl_Tarifa REAL, Cd_Caixa INTEGER)");
+  db_.Run(
+      "INSERT INTO TbTarifa VALUES (1, 2, 'ESTACIONAMENTO 1H'), (1, 1, 'SANITARIO'), (2, 2, "
+      "'OUTRA')");
   db_.Run("INSERT INTO TbTicketEstacionamento VALUES (1, 10, 7), (2, 10, 7), (1, 11, 8)");
-  db_.Run("INSERT INTO TbTicketEstacionamento_TbTarifa VALUES (1, 2, 10, 2, 5.0), (1, 2, 11, 1, 5.0), "
-          "(2, 2, 10, 9, 5.0)");
+  db_.Run(
+      "INSERT INTO TbTicketEstacionamento_TbTarifa VALUES (1, 2, 10, 2, 5.0), (1, 2, 11, 1, 5.0), "
+      "(2, 2, 10, 9, 5.0)");
   db_.Run("INSERT INTO TbTicketSanitario VALUES (1, 1, 3, 1.5, 7), (1, 1, 1, 1.5, 7)");
-  const std::string columns = Lines({"         A.Cd_Tarifa,", "         B.Ds_Tarifa,",
-                                     "         Sum(A.Qt_Unidade) As Qt_Unidade,", "         A.Vl_Tarifa"});
-  const std::string group = Lines({"GROUP BY A.Cd_Tarifa,", "         B.Ds_Tarifa,", "         A.Vl_Tarifa"});
+  const std::string columns =
+      Lines({"         A.Cd_Tarifa,", "         B.Ds_Tarifa,",
+             "         Sum(A.Qt_Unidade) As Qt_Unidade,", "         A.Vl_Tarifa"});
+  const std::string group =
+      Lines({"GROUP BY A.Cd_Tarifa,", "         B.Ds_Tarifa,", "         A.Vl_Tarifa"});
   const Rows takings = db_.Run(Lines(
-      {"SELECT   'ESTACIONAMENTO' AS Ds_Tipo,", columns, "FROM     TbTicketEstacionamento_TbTarifa A",
+      {"SELECT   'ESTACIONAMENTO' AS Ds_Tipo,",
+       columns,
+       "FROM     TbTicketEstacionamento_TbTarifa A",
        "         INNER JOIN TbTarifa B On A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema",
        "                    And A.Cd_Tarifa = b.Cd_Tarifa",
-       "         INNER JOIN TbTicketEstacionamento C On A.cd_empresausuariasistema = C.cd_empresausuariasistema",
+       "         INNER JOIN TbTicketEstacionamento C On A.cd_empresausuariasistema = "
+       "C.cd_empresausuariasistema",
        "                    And A.Cd_TicketEstacionamento = C.Cd_TicketEstacionamento",
-       "WHERE    A.Cd_EmpresaUsuariaSistema = 1", "         And C.Cd_Caixa = 7", group, "UNION",
-       "SELECT   'SANITARIO' AS Ds_Tipo,", columns, "FROM     TbTicketSanitario A",
+       "WHERE    A.Cd_EmpresaUsuariaSistema = 1",
+       "         And C.Cd_Caixa = 7",
+       group,
+       "UNION",
+       "SELECT   'SANITARIO' AS Ds_Tipo,",
+       columns,
+       "FROM     TbTicketSanitario A",
        "         INNER JOIN TbTarifa B On A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema",
-       "                    And A.Cd_Tarifa = B.Cd_Tarifa", "WHERE    A.Cd_EmpresaUsuariaSistema = 1",
-       "         And A.Cd_Caixa = 7", group, "ORDER BY A.Cd_Tarifa;"}));
+       "                    And A.Cd_Tarifa = B.Cd_Tarifa",
+       "WHERE    A.Cd_EmpresaUsuariaSistema = 1",
+       "         And A.Cd_Caixa = 7",
+       group,
+       "ORDER BY A.Cd_Tarifa;"}));
   ASSERT_EQ(takings.size(), 2u);
   EXPECT_EQ(takings[0], (std::vector<std::string>{"SANITARIO", "1", "SANITARIO", "4", "1.5"}));
-  EXPECT_EQ(takings[1], (std::vector<std::string>{"ESTACIONAMENTO", "2", "ESTACIONAMENTO 1H", "2", "5.0"}));
+  EXPECT_EQ(takings[1],
+            (std::vector<std::string>{"ESTACIONAMENTO", "2", "ESTACIONAMENTO 1H", "2", "5.0"}));
 }
 
 TEST_F(SqliteTranslator, TimetableSearchWithLikeFiltersAndLineComments) {
   CreateTimetables();
-  db_.Exec("CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)");
   db_.Exec("CREATE TABLE TbCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_UF TEXT)");
   db_.Exec("CREATE TABLE TbEmpresaOnibus (Cd_EmpresaOnibus INTEGER, Nm_EmpresaOnibus TEXT)");
   db_.Exec("CREATE TABLE TbTipoOnibus (Cd_TipoOnibus INTEGER, Ds_TipoOnibus TEXT)");
-  db_.Exec("CREATE TABLE TbEscalasHorarioLinha (Cd_EmpresaUsuariaSistema INTEGER, Cd_Linha INTEGER, "
-           "Cd_HorarioLinha INTEGER, Cd_Cidade INTEGER)");
-  db_.Run("INSERT INTO TbCidade VALUES (1, 'BELO HORIZONTE', 'MG'), (2, 'SÃO JOÃO DEL-REI', 'MG'), "
-          "(3, 'Joao Monlevade', 'MG'), (4, 'Lavras', 'MG')");
+  db_.Exec(
+      "CREATE TABLE TbEscalasHorarioLinha (Cd_EmpresaUsuariaSistema INTEGER, Cd_Linha INTEGER, "
+      "Cd_HorarioLinha INTEGER, Cd_Cidade INTEGER)");
+  db_.Run(
+      "INSERT INTO TbCidade VALUES (1, 'BELO HORIZONTE', 'MG'), (2, 'SÃO JOÃO DEL-REI', 'MG'), "
+      "(3, 'Joao Monlevade', 'MG'), (4, 'Lavras', 'MG')");
   db_.Run("INSERT INTO TbLinha VALUES (1, 1, 2), (2, 1, 3), (3, 1, 4)");
   db_.Run("INSERT INTO TbEmpresaOnibus VALUES (1, 'Viação Sandra')");
   db_.Run("INSERT INTO TbTipoOnibus VALUES (1, 'Convencional')");
-  db_.Run("INSERT INTO TbHorariosLinha VALUES (1, 1, 1, 1, 1, '30/12/1899 07:00', '30/12/1899 11:00', 1, 0, 5, "
-          "NULL, NULL, 1), (1, 2, 2, 1, 1, '30/12/1899 08:00', '30/12/1899 10:00', 1, 1, 6, NULL, NULL, 1), "
-          "(1, 3, 3, 1, 1, '30/12/1899 09:00', '30/12/1899 12:00', 1, 0, 7, NULL, NULL, 1)");
+  db_.Run(
+      "INSERT INTO TbHorariosLinha VALUES (1, 1, 1, 1, 1, '30/12/1899 07:00', '30/12/1899 11:00', "
+      "1, 0, 5, "
+      "NULL, NULL, 1), (1, 2, 2, 1, 1, '30/12/1899 08:00', '30/12/1899 10:00', 1, 1, 6, NULL, "
+      "NULL, 1), "
+      "(1, 3, 3, 1, 1, '30/12/1899 09:00', '30/12/1899 12:00', 1, 0, 7, NULL, NULL, 1)");
   db_.Run("INSERT INTO TbEscalasHorarioLinha VALUES (1, 3, 3, 2)");
   const auto search = [&](const std::string& filter) {
-    return db_.Run(Lines(
-        {"SELECT   Distinct", "C.Nm_Cidade As Nm_CidadeOrigem,", "D.Nm_Cidade As Nm_CidadeDestino,",
-         "Case When A.Ic_TemEmbarques <> 0 And A.Ic_TemDesembarque = 0 Then A.Hr_Saida",
-         "When A.Ic_TemEmbarques = 0 And A.Ic_TemDesembarque <> 0 Then A.Hr_Chegada",
-         "When A.Ic_TemEmbarques <> 0 And A.Ic_TemDesembarque <> 0 Then A.Hr_Chegada", "Else A.Hr_Saida",
-         "End As Hr_SaidaRodoviaria,", "Case When A.Ic_TemEmbarques <> 0 Then 'SIM'", "Else 'NÃO'",
-         "End Ds_TemEmbarque,", "E.Nm_EmpresaOnibus,", "A.No_Plataforma", "FROM     TbHorariosLinha A",
-         "INNER JOIN TbLinha B On B.Cd_Linha = A.Cd_Linha", "INNER JOIN TbCidade C On C.Cd_Cidade = B.Cd_CidadeOrigem",
-         "INNER JOIN TbCidade D On D.Cd_Cidade = B.Cd_CidadeDestino",
-         "INNER JOIN TbEmpresaOnibus E On E.Cd_EmpresaOnibus = A.Cd_EmpresaOnibus",
-         "INNER JOIN TbTipoOnibus F On F.Cd_TipoOnibus = A.Cd_TipoOnibus",
-         "LEFT  JOIN TbEscalasHorarioLinha G On G.Cd_EmpresaUsuariaSistema = A.Cd_EmpresaUsuariaSistema",
-         "And G.Cd_Linha = A.Cd_Linha", "And G.Cd_HorarioLinha = A.Cd_HorarioLinha",
-         "LEFT  JOIN TbCidade H On H.Cd_Cidade = G.Cd_Cidade", "WHERE    A.Cd_EmpresaUsuariaSistema = 1",
-         "And (A.Dt_Inicial Is Null Or CONVERT(date, GetDate()) >= A.Dt_Inicial)",
-         "And (A.Dt_Final Is Null Or CONVERT(date, GetDate()) <= A.Dt_Final)", filter,
-         "ORDER BY Hr_SaidaRodoviaria"}));
+    return db_.Run(
+        Lines({"SELECT   Distinct",
+               "C.Nm_Cidade As Nm_CidadeOrigem,",
+               "D.Nm_Cidade As Nm_CidadeDestino,",
+               "Case When A.Ic_TemEmbarques <> 0 And A.Ic_TemDesembarque = 0 Then A.Hr_Saida",
+               "When A.Ic_TemEmbarques = 0 And A.Ic_TemDesembarque <> 0 Then A.Hr_Chegada",
+               "When A.Ic_TemEmbarques <> 0 And A.Ic_TemDesembarque <> 0 Then A.Hr_Chegada",
+               "Else A.Hr_Saida",
+               "End As Hr_SaidaRodoviaria,",
+               "Case When A.Ic_TemEmbarques <> 0 Then 'SIM'",
+               "Else 'NÃO'",
+               "End Ds_TemEmbarque,",
+               "E.Nm_EmpresaOnibus,",
+               "A.No_Plataforma",
+               "FROM     TbHorariosLinha A",
+               "INNER JOIN TbLinha B On B.Cd_Linha = A.Cd_Linha",
+               "INNER JOIN TbCidade C On C.Cd_Cidade = B.Cd_CidadeOrigem",
+               "INNER JOIN TbCidade D On D.Cd_Cidade = B.Cd_CidadeDestino",
+               "INNER JOIN TbEmpresaOnibus E On E.Cd_EmpresaOnibus = A.Cd_EmpresaOnibus",
+               "INNER JOIN TbTipoOnibus F On F.Cd_TipoOnibus = A.Cd_TipoOnibus",
+               "LEFT  JOIN TbEscalasHorarioLinha G On G.Cd_EmpresaUsuariaSistema = "
+               "A.Cd_EmpresaUsuariaSistema",
+               "And G.Cd_Linha = A.Cd_Linha",
+               "And G.Cd_HorarioLinha = A.Cd_HorarioLinha",
+               "LEFT  JOIN TbCidade H On H.Cd_Cidade = G.Cd_Cidade",
+               "WHERE    A.Cd_EmpresaUsuariaSistema = 1",
+               "And (A.Dt_Inicial Is Null Or CONVERT(date, GetDate()) >= A.Dt_Inicial)",
+               "And (A.Dt_Final Is Null Or CONVERT(date, GetDate()) <= A.Dt_Final)",
+               filter,
+               "ORDER BY Hr_SaidaRodoviaria"}));
   };
   // "-- Cidade Destino" ends at the carriage return: the ORDER BY after it still counts.
   const Rows by_destination = search("AND (D.Nm_Cidade Like '%joão%') -- Cidade Destino");
@@ -574,82 +808,112 @@ TEST_F(SqliteTranslator, TimetableSearchWithLikeFiltersAndLineComments) {
 
 TEST_F(SqliteTranslator, BoardOfLatestDeparturesWithTopConcatenationAndLenientValidity) {
   CreateTimetables();
-  db_.Exec("CREATE TABLE TbViagemOnibus (Cd_EmpresaUsuariaSistema INTEGER, Cd_ViagemOnibus INTEGER, "
-           "Cd_HorarioLinha INTEGER, Hr_Previsto TEXT, No_Andamento INTEGER)");
-  db_.Exec("CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbViagemOnibus (Cd_EmpresaUsuariaSistema INTEGER, Cd_ViagemOnibus INTEGER, "
+      "Cd_HorarioLinha INTEGER, Hr_Previsto TEXT, No_Andamento INTEGER)");
+  db_.Exec(
+      "CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)");
   db_.Exec("CREATE TABLE TbCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Cd_Uf INTEGER)");
   db_.Exec("CREATE TABLE TbUf (Cd_Uf INTEGER, Sg_Uf TEXT)");
   db_.Run("INSERT INTO TbUf VALUES (31, 'MG'), (35, 'SP')");
   db_.Run("INSERT INTO TbCidade VALUES (1, 'Belo Horizonte', 31), (2, 'São Paulo', 35)");
   db_.Run("INSERT INTO TbLinha VALUES (1, 1, 2)");
   // Timetable 1 ended last year but has no start: still shown; 2 has both ends in the past: hidden.
-  db_.Run("INSERT INTO TbHorariosLinha (Cd_EmpresaUsuariaSistema, Cd_Linha, Cd_HorarioLinha, Ic_TemEmbarques, "
-          "No_Plataforma, Dt_Inicial, Dt_Final) VALUES (1, 1, 1, 1, 4, NULL, '31/12/2025'), "
-          "(1, 1, 2, 1, 5, '01/01/2025', '31/12/2025')");
-  db_.Run("INSERT INTO TbViagemOnibus VALUES (1, 1, 1, '21/11/2026 10:50:00', 0), (1, 2, 1, '21/11/2026 11:00:00', 0), "
-          "(1, 3, 1, '21/11/2026 11:00:01', 0), (1, 4, 2, '21/11/2026 09:00:00', 0), (1, 5, 1, '21/11/2026 08:00', 0)");
+  db_.Run(
+      "INSERT INTO TbHorariosLinha (Cd_EmpresaUsuariaSistema, Cd_Linha, Cd_HorarioLinha, "
+      "Ic_TemEmbarques, "
+      "No_Plataforma, Dt_Inicial, Dt_Final) VALUES (1, 1, 1, 1, 4, NULL, '31/12/2025'), "
+      "(1, 1, 2, 1, 5, '01/01/2025', '31/12/2025')");
+  db_.Run(
+      "INSERT INTO TbViagemOnibus VALUES (1, 1, 1, '21/11/2026 10:50:00', 0), (1, 2, 1, "
+      "'21/11/2026 11:00:00', 0), "
+      "(1, 3, 1, '21/11/2026 11:00:01', 0), (1, 4, 2, '21/11/2026 09:00:00', 0), (1, 5, 1, "
+      "'21/11/2026 08:00', 0)");
   const auto board = [&](const std::string& lines, const std::string& limit) {
     return db_.Run(Lines(
-        {"SELECT   TOP " + lines, "A.Cd_ViagemOnibus,", "D.Nm_Cidade + '/' + F.Sg_Uf As Nm_CidadeOrigem,",
-         "E.Nm_Cidade + '/' + G.Sg_Uf As Nm_CidadeDestino,", "B.No_Plataforma,", "A.Hr_Previsto",
+        {"SELECT   TOP " + lines,
+         "A.Cd_ViagemOnibus,",
+         "D.Nm_Cidade + '/' + F.Sg_Uf As Nm_CidadeOrigem,",
+         "E.Nm_Cidade + '/' + G.Sg_Uf As Nm_CidadeDestino,",
+         "B.No_Plataforma,",
+         "A.Hr_Previsto",
          "FROM     TbViagemOnibus A",
          "INNER JOIN TbHorariosLinha B On A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema",
-         "And A.Cd_HorarioLinha = B.Cd_HorarioLinha", "INNER JOIN TbLinha C On B.Cd_Linha = C.Cd_Linha",
+         "And A.Cd_HorarioLinha = B.Cd_HorarioLinha",
+         "INNER JOIN TbLinha C On B.Cd_Linha = C.Cd_Linha",
          "INNER JOIN TbCidade D On C.Cd_CidadeOrigem = D.Cd_Cidade",
-         "INNER JOIN TbCidade E On C.Cd_CidadeDestino = E.Cd_Cidade", "INNER JOIN TbUf F On D.Cd_Uf = F.Cd_Uf",
-         "INNER JOIN TbUf G On E.Cd_Uf = G.Cd_Uf", "Where    A.Cd_EmpresaUsuariaSistema = 1",
-         "And A.Hr_Previsto <= '" + limit + "'", "And B.Ic_TemEmbarques <> 0",
-         "And ((getDate() >= B.Dt_Inicial And getDate() <= B.Dt_Final) ", "Or B.Dt_Inicial Is Null ",
-         "Or B.Dt_Inicial <= '1900-01-01' ", "Or B.Dt_Final Is Null ", "Or B.Dt_Final <= '1900-01-01') ",
-         "ORDER BY A.Hr_Previsto Desc,", "B.No_Plataforma"}));
+         "INNER JOIN TbCidade E On C.Cd_CidadeDestino = E.Cd_Cidade",
+         "INNER JOIN TbUf F On D.Cd_Uf = F.Cd_Uf",
+         "INNER JOIN TbUf G On E.Cd_Uf = G.Cd_Uf",
+         "Where    A.Cd_EmpresaUsuariaSistema = 1",
+         "And A.Hr_Previsto <= '" + limit + "'",
+         "And B.Ic_TemEmbarques <> 0",
+         "And ((getDate() >= B.Dt_Inicial And getDate() <= B.Dt_Final) ",
+         "Or B.Dt_Inicial Is Null ",
+         "Or B.Dt_Inicial <= '1900-01-01' ",
+         "Or B.Dt_Final Is Null ",
+         "Or B.Dt_Final <= '1900-01-01') ",
+         "ORDER BY A.Hr_Previsto Desc,",
+         "B.No_Plataforma"}));
   };
   const Rows rows = board("2", "21/11/2026 11:00");
   ASSERT_EQ(rows.size(), 2u);
-  EXPECT_EQ(rows[0], (std::vector<std::string>{"2", "Belo Horizonte/MG", "São Paulo/SP", "4", "2026-11-21 11:00:00"}));
+  EXPECT_EQ(rows[0], (std::vector<std::string>{"2", "Belo Horizonte/MG", "São Paulo/SP", "4",
+                                               "2026-11-21 11:00:00"}));
   EXPECT_EQ(rows[1][0], "1");
   EXPECT_EQ(board("0", "21/11/2026 11:00").size(), 0u);
   EXPECT_EQ(board("10", "21/11/2026 11:00").size(), 3u);
 }
 
 TEST_F(SqliteTranslator, CardListWithCaseAndTextFunctions) {
-  db_.Exec("CREATE TABLE TbCartaoEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, Cd_ClienteEstacionamento INTEGER, "
-           "Cd_CartaoEstacionamento INTEGER, Ds_IdentificacaoCartao TEXT, Nm_Portador TEXT, No_TipoVeiculo INTEGER, "
-           "Hr_Validade TEXT)");
-  db_.Run("INSERT INTO TbCartaoEstacionamento VALUES (1, 9, 1, '  0001  ', 'joão', 0, '21/11/2026 23:59:59'), "
-          "(1, 9, 2, '0002', 'Zé', 1, '01/02/2027 00:00'), (1, 9, 3, '0003', 'Ana', 2, NULL)");
-  const Rows cards = db_.Run(Lines({"SELECT   Cd_CartaoEstacionamento,", "         Nm_Portador,",
-                                    "         Case When No_TipoVeiculo = 0 Then 'VEICULO'",
-                                    "              When No_TipoVeiculo = 1 Then 'MOTO'",
-                                    "              When No_TipoVeiculo = 1 Then 'VEICULO E MOTO'",
-                                    "              Else ''", "         End As Ds_TipoVeiculo",
-                                    "FROM     TbCartaoEstacionamento",
-                                    "WHERE    TbCartaoEstacionamento.Cd_EmpresaUsuariaSistema = 1",
-                                    "         And TbCartaoEstacionamento.Cd_ClienteEstacionamento = 9",
-                                    "ORDER BY Cd_CartaoEstacionamento"}));
+  db_.Exec(
+      "CREATE TABLE TbCartaoEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, "
+      "Cd_ClienteEstacionamento INTEGER, "
+      "Cd_CartaoEstacionamento INTEGER, Ds_IdentificacaoCartao TEXT, Nm_Portador TEXT, "
+      "No_TipoVeiculo INTEGER, "
+      "Hr_Validade TEXT)");
+  db_.Run(
+      "INSERT INTO TbCartaoEstacionamento VALUES (1, 9, 1, '  0001  ', 'joão', 0, '21/11/2026 "
+      "23:59:59'), "
+      "(1, 9, 2, '0002', 'Zé', 1, '01/02/2027 00:00'), (1, 9, 3, '0003', 'Ana', 2, NULL)");
+  const Rows cards = db_.Run(
+      Lines({"SELECT   Cd_CartaoEstacionamento,", "         Nm_Portador,",
+             "         Case When No_TipoVeiculo = 0 Then 'VEICULO'",
+             "              When No_TipoVeiculo = 1 Then 'MOTO'",
+             "              When No_TipoVeiculo = 1 Then 'VEICULO E MOTO'", "              Else ''",
+             "         End As Ds_TipoVeiculo", "FROM     TbCartaoEstacionamento",
+             "WHERE    TbCartaoEstacionamento.Cd_EmpresaUsuariaSistema = 1",
+             "         And TbCartaoEstacionamento.Cd_ClienteEstacionamento = 9",
+             "ORDER BY Cd_CartaoEstacionamento"}));
   ASSERT_EQ(cards.size(), 3u);
   EXPECT_EQ(cards[0][2], "VEICULO");
   EXPECT_EQ(cards[1][2], "MOTO");
   EXPECT_EQ(cards[2][2], "");
   const Rows text = db_.Run(
-      "SELECT Len(Ds_IdentificacaoCartao), Upper(Nm_Portador), LTrim(Ds_IdentificacaoCartao) + '|', "
-      "CharIndex('JO', Nm_Portador), Substring(Nm_Portador, 2, 10), Round(12.345, 2), Day(Hr_Validade), "
+      "SELECT Len(Ds_IdentificacaoCartao), Upper(Nm_Portador), LTrim(Ds_IdentificacaoCartao) + "
+      "'|', "
+      "CharIndex('JO', Nm_Portador), Substring(Nm_Portador, 2, 10), Round(12.345, 2), "
+      "Day(Hr_Validade), "
       "Month(Hr_Validade), Year(Hr_Validade), Left(Nm_Portador, 2), Right(Nm_Portador, 2), "
-      "Replace(Nm_Portador, 'JOÃO', 'x'), Lower('ÁGUA') FROM TbCartaoEstacionamento ORDER BY 1 DESC, 2");
+      "Replace(Nm_Portador, 'JOÃO', 'x'), Lower('ÁGUA') FROM TbCartaoEstacionamento ORDER BY 1 "
+      "DESC, 2");
   ASSERT_EQ(text.size(), 3u);
-  EXPECT_EQ(text[0], (std::vector<std::string>{"6", "JOÃO", "0001  |", "1", "oão", "12.35", "21", "11", "2026", "jo",
-                                               "ão", "x", "água"}));
+  EXPECT_EQ(text[0], (std::vector<std::string>{"6", "JOÃO", "0001  |", "1", "oão", "12.35", "21",
+                                               "11", "2026", "jo", "ão", "x", "água"}));
   EXPECT_EQ(text[1][1], "ANA");
   EXPECT_EQ(text[1][6], "NULL");
   // The trip look-up by calendar day.
-  EXPECT_EQ(db_.Value(Lines({"SELECT count(*) FROM TbCartaoEstacionamento", "WHERE  Day(Hr_Validade) = 1",
-                             "And Month(Hr_Validade) = 2", "And Year(Hr_Validade) = 2027"})),
-            "1");
+  EXPECT_EQ(
+      db_.Value(Lines({"SELECT count(*) FROM TbCartaoEstacionamento", "WHERE  Day(Hr_Validade) = 1",
+                       "And Month(Hr_Validade) = 2", "And Year(Hr_Validade) = 2027"})),
+      "1");
 }
 
 TEST_F(SqliteTranslator, SelectAliasAssignmentNamesTheColumn) {
   db_.Exec("CREATE TABLE T (Qt_A INTEGER, Qt_B INTEGER, Nm_X TEXT)");
   db_.Run("INSERT INTO T VALUES (2, 3, 'x')");
-  const Rows rows = db_.Run("SELECT Total = Qt_A + Qt_B, 'Nome' = Nm_X + '!', [Soma Dupla] = (Qt_A + Qt_B) * 2 FROM T");
+  const Rows rows = db_.Run(
+      "SELECT Total = Qt_A + Qt_B, 'Nome' = Nm_X + '!', [Soma Dupla] = (Qt_A + Qt_B) * 2 FROM T");
   EXPECT_EQ(rows[0], (std::vector<std::string>{"5", "x!", "10"}));
   EXPECT_EQ(db_.Value("SELECT x.Total FROM (SELECT Total = Qt_A FROM T) x"), "2");
   EXPECT_EQ(db_.Value("SELECT count(*) FROM T WHERE Qt_A = 2"), "1");
@@ -658,7 +922,8 @@ TEST_F(SqliteTranslator, SelectAliasAssignmentNamesTheColumn) {
 
 TEST_F(SqliteTranslator, SeveralStatementsTranslateOneByOne) {
   db_.Exec("CREATE TABLE T (Dt_Movimento TEXT)");
-  db_.Exec(TranslateToSqlite("DELETE FROM T; INSERT T VALUES ('21/11/2026'); INSERT INTO T SELECT getdate();"));
+  db_.Exec(TranslateToSqlite(
+      "DELETE FROM T; INSERT T VALUES ('21/11/2026'); INSERT INTO T SELECT getdate();"));
   const Rows rows = db_.Run("SELECT Dt_Movimento FROM T ORDER BY 1");
   ASSERT_EQ(rows.size(), 2u);
   EXPECT_EQ(rows[0][0], "2026-11-21 00:00:00");
@@ -668,17 +933,20 @@ TEST_F(SqliteTranslator, SeveralStatementsTranslateOneByOne) {
 }
 
 TEST_F(SqliteTranslator, UnsupportedConstructsRaiseClearErrors) {
-  EXPECT_TRUE(Mentions(TranslationError("EXEC TicketEstacionamento_LiberarTicketMadis 1, 2"), "EXEC"));
-  EXPECT_TRUE(Mentions(TranslationError(Lines({"BACKUP DATABASE Vek",
-                                               "TO  DISK = N'/bkp/VekBkp.bak' WITH NOFORMAT, NOINIT"})),
-                       "BACKUP"));
+  EXPECT_TRUE(
+      Mentions(TranslationError("EXEC TicketEstacionamento_LiberarTicketMadis 1, 2"), "EXEC"));
+  EXPECT_TRUE(Mentions(
+      TranslationError(
+          Lines({"BACKUP DATABASE Vek", "TO  DISK = N'/bkp/VekBkp.bak' WITH NOFORMAT, NOINIT"})),
+      "BACKUP"));
   EXPECT_TRUE(Mentions(TranslationError("SET NOCOUNT ON"), "SET"));
   EXPECT_TRUE(Mentions(TranslationError("DECLARE @x int"), "DECLARE"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT * INTO TbCopia FROM TbCor"), "SELECT ... INTO"));
   EXPECT_TRUE(Mentions(TranslationError("CREATE TABLE T (Cd INT IDENTITY(1,1))"), "IDENTITY"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT (1 + 2"), "'('"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT 1 + 2)"), "')'"));
-  EXPECT_TRUE(Mentions(TranslationError("SELECT CASE WHEN a = 1 THEN 2 FROM t"), "CASE without END"));
+  EXPECT_TRUE(
+      Mentions(TranslationError("SELECT CASE WHEN a = 1 THEN 2 FROM t"), "CASE without END"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT IsNull(a) FROM t"), "IsNull"));
   EXPECT_TRUE(Mentions(TranslationError("SELECT 'abc FROM t"), "Unterminated string"));
   EXPECT_EQ(TranslationError("SELECT 1"), "");

@@ -51,11 +51,13 @@ TEST(Tokenizer, KindsTextsAndOffsets) {
   EXPECT_EQ(tokens[13].text, "!<");
   EXPECT_EQ(tokens[14].kind, TokenKind::Word);
   EXPECT_EQ(tokens[14].text, "@p");
-  for (const Token& token : tokens) EXPECT_EQ(sql.substr(token.offset, token.text.size()), token.text);
+  for (const Token& token : tokens)
+    EXPECT_EQ(sql.substr(token.offset, token.text.size()), token.text);
 }
 
 TEST(Tokenizer, LineCommentEndsAtCarriageReturnOrLineFeed) {
-  const auto tokens = Significant("AND (D.Nm_Cidade Like '%x%') -- Cidade Destino\rFROM t -- last\nWHERE");
+  const auto tokens =
+      Significant("AND (D.Nm_Cidade Like '%x%') -- Cidade Destino\rFROM t -- last\nWHERE");
   ASSERT_GE(tokens.size(), 4u);
   EXPECT_EQ(tokens[tokens.size() - 5].kind, TokenKind::Comment);
   EXPECT_EQ(tokens[tokens.size() - 5].text, "-- Cidade Destino");
