@@ -4,8 +4,19 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
+#include <ostream>
+
 namespace vek::cli {
 
 void AddSqlCommand(CLI::App& app);
+void AddInitCommand(CLI::App& app);
+
+// vek init's work: makes `folder` (and its parents), writes Vek.ini for the
+// embedded database, creates Vek.db and MDESTACIONAMENTO.db with every table
+// and the Modelos folder, and writes one line per file or folder to `out`.
+// Raises 0x80040458 when Vek.db is there and `force` is false; with `force`
+// the database keeps its data and gets what it misses.
+void InitTerminalFolder(const std::filesystem::path& folder, bool force, std::ostream& out);
 
 }  // namespace vek::cli

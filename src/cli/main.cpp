@@ -14,6 +14,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("-V,--version", std::string("vek ") + vek::kVersion);
   app.require_subcommand(0, 1);
   vek::cli::AddSqlCommand(app);
+  vek::cli::AddInitCommand(app);
 
   try {
     app.parse(argc, argv);

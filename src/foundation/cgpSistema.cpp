@@ -4,6 +4,7 @@
 #include "vek/foundation/SessionSettings.h"
 #include "vek/foundation/VekError.h"
 #include "vek/platform/Clock.h"
+#include "vek/platform/Controls.h"
 #include "vek/platform/Text.h"
 
 namespace vek {
@@ -24,7 +25,10 @@ std::shared_ptr<const PropertyList> SessionProperties() {
 
 }  // namespace
 
-cgpSistema::cgpSistema() : cgp(SessionProperties()), clock_(std::make_shared<SystemClock>()) {
+cgpSistema::cgpSistema()
+    : cgp(SessionProperties()),
+      clock_(std::make_shared<SystemClock>()),
+      progress_(std::make_shared<SilentProgress>()) {
   cgpSistema::RestaurarDefault();
 }
 
@@ -91,5 +95,11 @@ void cgpSistema::SetClock(std::shared_ptr<Clock> clock) {
 }
 
 Date cgpSistema::Now() const { return clock_->Now(); }
+
+ProgressWindow& cgpSistema::Progress() const { return *progress_; }
+
+void cgpSistema::SetProgress(std::shared_ptr<ProgressWindow> progress) {
+  progress_ = progress ? std::move(progress) : std::make_shared<SilentProgress>();
+}
 
 }  // namespace vek

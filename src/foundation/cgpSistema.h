@@ -14,6 +14,7 @@ namespace vek {
 
 class Clock;
 class Connection;
+class ProgressWindow;
 
 class cgpSistema : public cgp {
  public:
@@ -38,6 +39,11 @@ class cgpSistema : public cgp {
   std::shared_ptr<Clock> GetClock() const { return clock_; }
   Date Now() const;
 
+  // The window that long work reports to; a silent one unless the program
+  // gives its own. Giving none goes back to the silent one.
+  ProgressWindow& Progress() const;
+  void SetProgress(std::shared_ptr<ProgressWindow> progress);
+
   // The operating company's property object (its Cd_Pessoa is written for
   // Cd_PessoaUsuaria codes left at 0).
   std::shared_ptr<cgp> Ob_cgpEmpresaUsuaria() const { return empresa_usuaria_; }
@@ -49,6 +55,7 @@ class cgpSistema : public cgp {
   std::shared_ptr<Connection> connection_;
   std::shared_ptr<Clock> clock_;
   std::shared_ptr<cgp> empresa_usuaria_;
+  std::shared_ptr<ProgressWindow> progress_;
 };
 
 }  // namespace vek

@@ -1,0 +1,145 @@
+// vek init: makes a folder ready to run a terminal on the embedded database:
+// Vek.ini, the database with every table and fixed row, the access-control
+// database beside it, and the Modelos folder.
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/Commands.h"
+#include "vek/db/Connection.h"
+#include "vek/foundation/MessageCatalogue.h"
+#include "vek/foundation/SessionSettings.h"
+#include "vek/foundation/VekError.h"
+#include "vek/foundation/cgpSistema.h"
+#include "vek/platform/ProfileFile.h"
+#include "vek/platform/Text.h"
+#include "vek/schema/CreateDatabase.h"
+
+namespace vek::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kSettingsFile = "Vek.ini";
+constexpr std::string_view kDatabaseFile = "Vek.db";
+constexpr std::string_view kAccessControlFile = "MDESTACIONAMENTO.db";
+constexpr std::string_view kTemplatesFolder = "Modelos";
+
+struct InitOptions {
+  std::string folder = ".";
+  bool force = false;
+};
+
+struct SettingValue {
+  const SettingDef* setting;
+  std::string text;
+};
+
+// What a new installation starts with: the embedded database in the folder,
+// keyset cursors with optimistic locks, ISO dates, and a plain default for
+// every other key, so that the settings load without a conversion error.
+std::vector<SettingValue> InstallationSettings(const fs::path& folder) {
+  const struct {
+    std::string_view property;
+    std::string text;
+  } chosen[] = {
+      {"Cursor", "1"},
+      {"LockType", "3"},
+      {"Cd_DB", "31"},
+      {"Ds_CaminhoDB", (folder / kDatabaseFile).string()},
+      {"Ds_FormatoData", "yyyy-mm-dd"},
+      {"Ds_CaminhoAplicacao", folder.string()},
+      {"Ds_PathBkpLocal", (folder / "Backup").string()},
+      {"Ds_PathBkpEspelho", (folder / "BackupEspelho").string()},
+      {"Ds_PathArquivosSom", (folder / "Som").string()},
+  };
+  std::vector<SettingValue> values;
+  for (const SettingDef& setting : SessionSettings()) {
+    if (setting.in_user_store) continue;
+    std::string text;
+    switch (setting.type) {
+      case PropertyType::Boolean: text = "False"; break;
+      case PropertyType::String: break;
+      default: text = "0"; break;
+    }
+    for (const auto& choice : chosen) {
+      if (EqualsIgnoreCase(choice.property, setting.property)) text = choice.text;
+    }
+    values.push_back({&setting, std::move(text)});
+  }
+  return values;
+}
+
+void WriteSetting(std::string_view section, std::string_view key, const std::string& value,
+                  const fs::path& file) {
+  if (!WritePrivateProfileString(section, key, value, file)) {
+    throw VekError(kBusinessError, std::string(),
+                   "could not write " + std::string(key) + " into " + file.string());
+  }
+}
+
+}  // namespace
+
+void InitTerminalFolder(const fs::path& folder_argument, bool force, std::ostream& out) {
+  const fs::path database_file = (fs::absolute(folder_argument) / kDatabaseFile).lexically_normal();
+  if (fs::exists(database_file) && !force) {
+    throw VekError(kBusinessError, std::string(),
+                   database_file.string() +
+                       " already exists; use --force to keep its data and add what is missing");
+  }
+
+  const bool folder_existed = fs::is_directory(folder_argument);
+  fs::create_directories(folder_argument);
+  const fs::path folder = fs::canonical(folder_argument);
+  out << "folder    " << folder.string() << (folder_existed ? " (already there)" : "") << "\n";
+
+  // Every key is written, the one read from another section under both,
+  // so that a session loads from the file as it is.
+  const fs::path settings_file = folder / kSettingsFile;
+  auto session = std::make_shared<cgpSistema>();
+  for (const SettingValue& value : InstallationSettings(folder)) {
+    const SettingDef& setting = *value.setting;
+    WriteSetting(setting.write_section, setting.key, value.text, settings_file);
+    if (!EqualsIgnoreCase(setting.read_section, setting.write_section)) {
+      WriteSetting(setting.read_section, setting.key, value.text, settings_file);
+    }
+    session->Let(setting.property, Variant(value.text));
+  }
+  out << "settings  " << settings_file.string() << "\n";
+
+  const bool database_existed = fs::exists(folder / kDatabaseFile);
+  const bool access_control_existed = fs::exists(folder / kAccessControlFile);
+  auto connection = session->AbrirConexao();
+  schema::CreateDatabase(*connection);
+  connection->Close();
+  constexpr std::string_view kKept = " (kept its data, added what was missing)";
+  out << "database  " << (folder / kDatabaseFile).string() << (database_existed ? kKept : "")
+      << "\n";
+  out << "database  " << (folder / kAccessControlFile).string()
+      << (access_control_existed ? kKept : "") << "\n";
+
+  const fs::path templates = folder / kTemplatesFolder;
+  const bool templates_existed = fs::is_directory(templates);
+  fs::create_directories(templates);
+  out << "folder    " << templates.string() << (templates_existed ? " (already there)" : "")
+      << "\n";
+}
+
+void AddInitCommand(CLI::App& app) {
+  auto options = std::make_shared<InitOptions>();
+  CLI::App* command = app.add_subcommand(
+      "init", "Make a folder ready for a terminal: Vek.ini, the database (Vek.db) and Modelos");
+  command->add_option("folder", options->folder, "The folder (made when missing)")
+      ->capture_default_str();
+  command->add_flag("-f,--force", options->force,
+                    "Go on when Vek.db is there: keep its data, add what is missing and "
+                    "write Vek.ini anew");
+  command->callback([options] { InitTerminalFolder(options->folder, options->force, std::cout); });
+}
+
+}  // namespace vek::cli

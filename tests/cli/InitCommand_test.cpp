@@ -1,0 +1,170 @@
+// The tool's sources are not part of the library: the command is compiled in
+// here so that the tests call it directly.
+#include "cli/Commands.h"
+#include "vek/vek.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "vek/db/Recordset.h"
+#include "vek/foundation/cgdSistema.h"
+#include "vek/platform/AppPath.h"
+
+namespace vek {
+namespace {
+
+namespace fs = std::filesystem;
+
+VekError ErrorOf(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const VekError& error) {
+    return error;
+  }
+  return VekError(0, "", "nothing was raised");
+}
+
+std::string FirstValue(Connection& connection, const std::string& statement) {
+  auto rows = connection.Execute(statement);
+  return rows->Eof() ? "(no row)" : CStr(rows->Fields().Item(0).Value());
+}
+
+// Each test works in a scratch folder, with the settings store inside it.
+class InitCommandTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::random_device random;
+    scratch_ = fs::temp_directory_path() /
+               ("vek_init_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
+    fs::create_directories(scratch_);
+    if (const char* old = std::getenv("XDG_CONFIG_HOME")) old_xdg_ = old;
+    ::setenv("XDG_CONFIG_HOME", (scratch_ / "config").c_str(), 1);
+  }
+  void TearDown() override {
+    SetAppPath({});
+    if (old_xdg_) {
+      ::setenv("XDG_CONFIG_HOME", old_xdg_->c_str(), 1);
+    } else {
+      ::unsetenv("XDG_CONFIG_HOME");
+    }
+    std::error_code error;
+    fs::remove_all(scratch_, error);
+  }
+
+  fs::path scratch_;
+  std::optional<std::string> old_xdg_;
+};
+
+TEST_F(InitCommandTest, MakesAFolderWhoseSettingsLoadAndWhoseDatabasesHaveTheirRows) {
+  const fs::path target = scratch_ / "Rodoviária" / "." / "Goiânia";  // parents are made too
+  std::ostringstream out;
+  cli::InitTerminalFolder(target, false, out);
+
+  const fs::path folder = fs::canonical(target);
+  EXPECT_EQ(folder, fs::canonical(scratch_) / "Rodoviária" / "Goiânia");
+  EXPECT_EQ(out.str(), "folder    " + folder.string() + "\n" +
+                           "settings  " + (folder / "Vek.ini").string() + "\n" +
+                           "database  " + (folder / "Vek.db").string() + "\n" +
+                           "database  " + (folder / "MDESTACIONAMENTO.db").string() + "\n" +
+                           "folder    " + (folder / "Modelos").string() + "\n");
+  EXPECT_TRUE(fs::is_directory(folder / "Modelos"));
+  EXPECT_TRUE(fs::is_regular_file(folder / "MDESTACIONAMENTO.db"));
+
+  // The settings load whole: every numeric and boolean key has a value, the
+  // turnstile key in the section it is read from too.
+  SetAppPath(folder);
+  cgdSistema sistema;
+  std::shared_ptr<cgpSistema> session = sistema.Consultar();
+  EXPECT_EQ(CLng(session->Get("Cursor")), 1);
+  EXPECT_EQ(CLng(session->Get("LockType")), 3);
+  EXPECT_EQ(CLng(session->Get("Cd_DB")), 31);
+  EXPECT_EQ(CStr(session->Get("Ds_CaminhoDB")), (folder / "Vek.db").string());
+  EXPECT_EQ(CStr(session->Get("Ds_FormatoData")), "yyyy-mm-dd");
+  EXPECT_EQ(CStr(session->Get("Ds_CaminhoAplicacao")), folder.string());
+  EXPECT_EQ(CStr(session->Get("Ds_PathBkpLocal")), (folder / "Backup").string());
+  EXPECT_EQ(CStr(session->Get("Ds_PathBkpEspelho")), (folder / "BackupEspelho").string());
+  EXPECT_EQ(CStr(session->Get("Ds_PathArquivosSom")), (folder / "Som").string());
+  EXPECT_EQ(CLng(session->Get("Qt_TempoMilesegundosAcionarCatraca")), 0);
+  EXPECT_EQ(CLng(session->Get("No_LPT")), 0);
+  EXPECT_FALSE(CBool(session->Get("Ic_EntradaAutomatizadaNoEstacionamento")));
+  EXPECT_EQ(CStr(session->Get("Ds_SenhaDB")), "");
+  EXPECT_EQ(GetPrivateProfileString("Sanitario", "Qt_TempoMilesegundosAcionarCatraca", "x",
+                                    folder / "Vek.ini"),
+            "0");
+  EXPECT_EQ(GetPrivateProfileString("Execucao", "Ic_ControleRelogioEstacionamento", "absent",
+                                    folder / "Vek.ini"),
+            "absent");
+
+  auto connection = session->AbrirConexao();
+  EXPECT_EQ(FirstValue(*connection, "SELECT Nm_TipoReceita FROM TbTipoReceita WHERE Cd_TipoReceita = 1"),
+            "EMBARQUE");
+  EXPECT_EQ(FirstValue(*connection, "SELECT DESCRICAO FROM MDESTACIONAMENTO.dbo.EVENTO WHERE IDEVENTO = 2"),
+            "SAIDA");
+}
+
+TEST_F(InitCommandTest, AnExistingDatabaseIsRefusedUnlessForcedAndForcingKeepsItsRows) {
+  const fs::path folder = scratch_ / "terminal";
+  std::ostringstream first;
+  cli::InitTerminalFolder(folder, false, first);
+  {
+    cgpSistema session;
+    session.Let("Ds_CaminhoDB", Variant((folder / "Vek.db").string()));
+    session.AbrirConexao()->Execute("INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (9, 'Goiás', 'GO')");
+  }
+  WritePrivateProfileString("Persistencia", "Ds_FormatoData", "dd/mm/yyyy", folder / "Vek.ini");
+
+  std::ostringstream refused_out;
+  const VekError refused = ErrorOf([&] { cli::InitTerminalFolder(folder, false, refused_out); });
+  EXPECT_EQ(refused.Number(), kBusinessError);
+  EXPECT_NE(refused.Description().find((folder / "Vek.db").string()), std::string::npos)
+      << refused.Description();
+  EXPECT_NE(refused.Description().find("--force"), std::string::npos);
+  EXPECT_EQ(refused_out.str(), "");
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_FormatoData", "", folder / "Vek.ini"), "dd/mm/yyyy");
+
+  std::ostringstream forced;
+  cli::InitTerminalFolder(folder, true, forced);
+  EXPECT_NE(forced.str().find("Vek.db (kept its data"), std::string::npos) << forced.str();
+  EXPECT_NE(forced.str().find("Modelos (already there)"), std::string::npos) << forced.str();
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_FormatoData", "", folder / "Vek.ini"), "yyyy-mm-dd");
+  cgpSistema session;
+  session.Let("Ds_CaminhoDB", Variant((folder / "Vek.db").string()));
+  auto connection = session.AbrirConexao();
+  EXPECT_EQ(FirstValue(*connection, "SELECT Nm_UF FROM TbUF WHERE Sg_UF = 'GO'"), "Goiás");
+  EXPECT_EQ(FirstValue(*connection, "SELECT COUNT(*) FROM TbTipoReceita"), "4");  // fixed rows not doubled
+}
+
+TEST_F(InitCommandTest, TheCommandLineTakesTheFolderAndTheForceFlag) {
+  const fs::path folder = scratch_ / "pela linha";
+  auto parse = [&](std::vector<std::string> args) {
+    CLI::App app{"vek"};
+    cli::AddInitCommand(app);
+    std::vector<const char*> argv{"vek"};
+    for (const std::string& arg : args) argv.push_back(arg.c_str());
+    std::ostringstream out;
+    std::streambuf* saved = std::cout.rdbuf(out.rdbuf());
+    try {
+      app.parse(static_cast<int>(argv.size()), argv.data());
+    } catch (...) {
+      std::cout.rdbuf(saved);
+      throw;
+    }
+    std::cout.rdbuf(saved);
+    return out.str();
+  };
+  EXPECT_NE(parse({"init", folder.string()}).find("settings  "), std::string::npos);
+  EXPECT_TRUE(fs::is_regular_file(folder / "Vek.db"));
+  EXPECT_EQ(ErrorOf([&] { parse({"init", folder.string()}); }).Number(), kBusinessError);
+  EXPECT_NE(parse({"init", "--force", folder.string()}).find("kept its data"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace vek
