@@ -105,6 +105,29 @@ void BM_Protocol_SalvarInsertExcluir(benchmark::State& state) {
 }
 BENCHMARK(BM_Protocol_SalvarInsertExcluir);
 
+// The whole loop: a look-up, an update, an insert and its delete.
+void BM_Protocol_Loop(benchmark::State& state) {
+  BenchDatabase db;
+  vek::cgdBairro bairro;
+  bairro.Ob_cgpSistema(OpenSession(db.File()));
+  int key = 0;
+  for (auto _ : state) {
+    auto record = bairro.Ob_cgp();
+    const int row = key % kRows + 1;
+    record->Let("Cd_Bairro", vek::Variant(row));
+    bairro.Consultar();
+    record->Let("Nm_Bairro", vek::Variant("Renomeado " + std::to_string(key++)));
+    bairro.Salvar();
+    record->RestaurarDefault();
+    record->Let("Nm_Bairro", vek::Variant("Novo"));
+    record->Let("Cd_Cidade", vek::Variant(1));
+    bairro.Salvar();
+    bairro.Excluir();
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_Protocol_Loop)->UseRealTime();
+
 // ---- the same work by hand ---------------------------------------------------
 
 class HandWritten {
@@ -204,6 +227,22 @@ void BM_HandWritten_SalvarInsertExcluir(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_HandWritten_SalvarInsertExcluir);
+
+void BM_HandWritten_Loop(benchmark::State& state) {
+  BenchDatabase db;
+  HandWritten hand(db.File());
+  int key = 0;
+  for (auto _ : state) {
+    const int row = key % kRows + 1;
+    hand.Select(row);
+    hand.Select(row);
+    hand.Update(row, "Renomeado " + std::to_string(key++));
+    hand.Select(0);
+    hand.Delete(hand.Insert());
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_HandWritten_Loop)->UseRealTime();
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 
 #include "vek/db/DbError.h"
 #include "vek/db/Recordset.h"
+#include "vek/db/StatementShape.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/db/dialect/Statements.h"
 #include "vek/foundation/VekError.h"
@@ -32,6 +33,7 @@ void Connection::Open(const std::string& connection_string) {
   if (!connection_string.empty()) connection_string_ = connection_string;
   driver_ = OpenDriver(connection_string_, [this] { return GetClock()->Now(); });
   translations_.clear();
+  shapes_.clear();
 }
 
 void Connection::Close() noexcept {
@@ -104,10 +106,37 @@ const std::string& Connection::Translate(const std::string& text) {
   return translations_.emplace(text, std::move(translated)).first->second;
 }
 
+const Connection::ShapeEntry& Connection::Shape(const std::string& text, const StatementShape& shape) {
+  if (auto hit = shapes_.find(shape.key); hit != shapes_.end()) return hit->second;
+  // A shape is checked once: what holds for one text of it holds for all.
+  RefuseMoreThanOneStatement(text);
+  ShapeEntry entry;
+  if (auto translated = TranslateShape(text, [](std::string_view probe) {
+        return dialect::TranslateToSqlite(probe);
+      })) {
+    entry.usable = true;
+    entry.text = std::move(translated->text);
+    entry.order = std::move(translated->order);
+  }
+  if (shapes_.size() >= kMaxCachedTranslations) shapes_.clear();
+  return shapes_.emplace(shape.key, std::move(entry)).first->second;
+}
+
 QueryResult Connection::RunStatement(const std::string& text, std::span<const Variant> parameters,
                                      bool translate) {
   Driver& driver = OpenDriverOrRaise("ADODB.Connection");
   NotifyStatement(text);
+  if (translate && parameters.empty() && driver.SqlDialect() == Dialect::SQLite) {
+    if (std::optional<StatementShape> shape = ShapeOf(text)) {
+      const ShapeEntry& entry = Shape(text, *shape);
+      if (entry.usable) {
+        std::vector<Variant> literals;
+        literals.reserve(entry.order.size());
+        for (size_t index : entry.order) literals.push_back(std::move(shape->literals[index]));
+        return driver.Run(entry.text, literals);
+      }
+    }
+  }
   if (translate) return driver.Run(Translate(text), parameters);
   RefuseMoreThanOneStatement(text);
   return driver.Run(text, parameters);

@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "vek/db/Driver.h"
 #include "vek/db/Enums.h"
@@ -24,6 +25,7 @@ namespace vek {
 class Clock;
 class Parameters;
 class Recordset;
+struct StatementShape;
 
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
@@ -84,6 +86,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
  private:
   Driver& OpenDriverOrRaise(const char* object);
   const std::string& Translate(const std::string& text);
+  struct ShapeEntry;
+  const ShapeEntry& Shape(const std::string& text, const StatementShape& shape);
 
   std::string connection_string_;
   std::unique_ptr<Driver> driver_;
@@ -91,7 +95,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   mutable std::mutex clock_mutex_;
   std::shared_ptr<Clock> clock_;
   std::unordered_map<std::string, Procedure> procedures_;  // by folded name
+  // Translations by text, and by shape (text without its literals).
   std::unordered_map<std::string, std::string> translations_;
+  struct ShapeEntry {
+    bool usable = false;  // false: texts of this shape are translated one by one
+    std::string text;
+    std::vector<size_t> order;
+  };
+  std::unordered_map<std::string, ShapeEntry> shapes_;
 };
 
 }  // namespace vek

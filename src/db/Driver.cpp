@@ -44,6 +44,16 @@ std::string FirstOf(const std::map<std::string, std::string>& parts,
 
 }  // namespace
 
+ColumnSet::ColumnSet(std::vector<ColumnInfo> columns) : columns_(std::move(columns)) {
+  // The first of two equal names wins, as a look-up by name always did.
+  for (size_t i = 0; i < columns_.size(); ++i) by_name_.emplace(columns_[i].name, static_cast<int32_t>(i));
+}
+
+int32_t ColumnSet::IndexOf(std::string_view name) const {
+  const auto hit = by_name_.find(name);
+  return hit == by_name_.end() ? -1 : hit->second;
+}
+
 std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::function<Date()> now) {
   const auto parts = ParseConnectionString(connection_string);
   const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));

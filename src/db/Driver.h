@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "vek/db/Enums.h"
+#include "vek/platform/Text.h"
 #include "vek/platform/Variant.h"
 
 namespace vek {
@@ -33,9 +34,23 @@ struct ColumnInfo {
 
 using Row = std::vector<Variant>;
 
+// The columns of a result with their look-up by name in any case; shared by
+// every result of the same prepared statement.
+class ColumnSet {
+ public:
+  explicit ColumnSet(std::vector<ColumnInfo> columns);
+  const std::vector<ColumnInfo>& Columns() const { return columns_; }
+  // The first column of the name, or -1.
+  int32_t IndexOf(std::string_view name) const;
+
+ private:
+  std::vector<ColumnInfo> columns_;
+  CaseInsensitiveMap<int32_t> by_name_;
+};
+
 struct QueryResult {
   bool returns_rows = false;
-  std::vector<ColumnInfo> columns;
+  std::shared_ptr<const ColumnSet> columns;
   std::vector<Row> rows;
   int64_t records_affected = -1;
 };

@@ -6,7 +6,7 @@
 
 namespace vek {
 
-const ColumnInfo& Field::Info() const { return owner_->columns_[index_]; }
+const ColumnInfo& Field::Info() const { return owner_->Columns()[index_]; }
 
 const std::string& Field::Name() const { return Info().name; }
 
@@ -33,21 +33,15 @@ Property Field::Properties(std::string_view name) const {
   RaiseAdoError(adErrItemNotFound, "ADODB.Properties");
 }
 
-void Fields::Reset(Recordset& owner, const std::vector<ColumnInfo>& columns) {
+void Fields::Reset(Recordset& owner, const ColumnSet* columns) {
+  columns_ = columns;
   fields_.clear();
-  by_name_.clear();
-  fields_.reserve(columns.size());
-  for (size_t i = 0; i < columns.size(); ++i) {
-    fields_.emplace_back(owner, i);
-    // The first of two equal names wins, as a look-up by name always did.
-    by_name_.emplace(FoldCase(columns[i].name), static_cast<int32_t>(i));
-  }
+  if (!columns) return;
+  fields_.reserve(columns->Columns().size());
+  for (size_t i = 0; i < columns->Columns().size(); ++i) fields_.emplace_back(owner, i);
 }
 
-int32_t Fields::IndexOf(std::string_view name) const {
-  const auto hit = by_name_.find(FoldCase(name));
-  return hit == by_name_.end() ? -1 : hit->second;
-}
+int32_t Fields::IndexOf(std::string_view name) const { return columns_ ? columns_->IndexOf(name) : -1; }
 
 Field& Fields::Item(int32_t index) {
   if (index < 0 || index >= Count()) RaiseAdoError(adErrItemNotFound, "ADODB.Fields");

@@ -69,10 +69,10 @@ class Fields {
 
  private:
   friend class Recordset;
-  void Reset(Recordset& owner, const std::vector<ColumnInfo>& columns);
+  void Reset(Recordset& owner, const ColumnSet* columns);
 
   std::vector<Field> fields_;
-  std::unordered_map<std::string, int32_t> by_name_;  // folded names
+  const ColumnSet* columns_ = nullptr;
 };
 
 }  // namespace vek

@@ -72,7 +72,7 @@ void Recordset::Attach(QueryResult result, std::shared_ptr<Connection> connectio
   rows_ = std::move(result.rows);
   position_ = 0;
   edit_mode_ = EditMode::None;
-  fields_.Reset(*this, columns_);
+  fields_.Reset(*this, columns_.get());
   open_ = true;
 }
 
@@ -81,12 +81,17 @@ void Recordset::Close() {
   open_ = false;
   edit_mode_ = EditMode::None;
   rows_.clear();
-  columns_.clear();
-  fields_.Reset(*this, columns_);
+  columns_.reset();
+  fields_.Reset(*this, nullptr);
 }
 
 void Recordset::ActiveConnection(std::shared_ptr<Connection> connection) {
   connection_ = std::move(connection);
+}
+
+const std::vector<ColumnInfo>& Recordset::Columns() const {
+  static const std::vector<ColumnInfo> kNone;
+  return columns_ ? columns_->Columns() : kNone;
 }
 
 void Recordset::RequireOpen() const {
@@ -152,15 +157,15 @@ const Row& Recordset::CurrentRow() const { return const_cast<Recordset*>(this)->
 bool Recordset::Updatable() const { return open_ && lock_type_ != adLockReadOnly; }
 
 void Recordset::SetValue(size_t index, const Variant& value) {
-  if (!Updatable() || columns_[index].base_table.empty()) {
+  if (!Updatable() || Columns()[index].base_table.empty()) {
     RaiseAdoError(adErrFeatureNotAvailable, kObject);
   }
   Row& row = CurrentRow();
-  Variant converted = ConvertForField(value, columns_[index].type);
+  Variant converted = ConvertForField(value, Columns()[index].type);
   if (edit_mode_ == EditMode::None) {
     edit_mode_ = EditMode::Editing;
     original_ = row;
-    changed_.assign(columns_.size(), false);
+    changed_.assign(Columns().size(), false);
   }
   row[index] = std::move(converted);
   changed_[index] = true;
@@ -169,11 +174,11 @@ void Recordset::SetValue(size_t index, const Variant& value) {
 void Recordset::AddNew() {
   if (!Updatable()) RaiseAdoError(adErrFeatureNotAvailable, kObject);
   if (EditPending()) Update();
-  rows_.emplace_back(columns_.size(), Variant::Null());
+  rows_.emplace_back(Columns().size(), Variant::Null());
   position_ = static_cast<int64_t>(rows_.size()) - 1;
   edit_mode_ = EditMode::Adding;
   original_.clear();
-  changed_.assign(columns_.size(), false);
+  changed_.assign(Columns().size(), false);
 }
 
 void Recordset::CancelUpdate() {
@@ -203,8 +208,8 @@ void Recordset::WriteNewRow() {
   // were set; the identity, if any, comes back into its field.
   std::map<std::pair<std::string, std::string>, RowWrite> writes;
   Row& row = CurrentRow();
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    const ColumnInfo& column = columns_[i];
+  for (size_t i = 0; i < Columns().size(); ++i) {
+    const ColumnInfo& column = Columns()[i];
     if (column.base_table.empty()) continue;
     RowWrite& write = writes[{column.base_database, column.base_table}];
     write.database = column.base_database;
@@ -219,9 +224,9 @@ void Recordset::WriteNewRow() {
     if (write.columns.empty() && write.identity_column.empty()) continue;
     const std::optional<int64_t> identity = connection_->InsertRow(write);
     if (!identity) continue;
-    for (size_t i = 0; i < columns_.size(); ++i) {
-      if (columns_[i].is_autoincrement && columns_[i].base_table == write.table &&
-          columns_[i].base_database == write.database) {
+    for (size_t i = 0; i < Columns().size(); ++i) {
+      if (Columns()[i].is_autoincrement && Columns()[i].base_table == write.table &&
+          Columns()[i].base_database == write.database) {
         row[i] = Variant(*identity);
       }
     }
@@ -231,8 +236,8 @@ void Recordset::WriteNewRow() {
 void Recordset::WriteChangedRow() {
   std::map<std::pair<std::string, std::string>, RowWrite> writes;
   const Row& row = CurrentRow();
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    const ColumnInfo& column = columns_[i];
+  for (size_t i = 0; i < Columns().size(); ++i) {
+    const ColumnInfo& column = Columns()[i];
     if (column.base_table.empty()) continue;
     const std::pair<std::string, std::string> table{column.base_database, column.base_table};
     if (changed_[i]) {
@@ -244,8 +249,8 @@ void Recordset::WriteChangedRow() {
   for (auto& [table, write] : writes) {
     write.database = table.first;
     write.table = table.second;
-    for (size_t i = 0; i < columns_.size(); ++i) {
-      const ColumnInfo& column = columns_[i];
+    for (size_t i = 0; i < Columns().size(); ++i) {
+      const ColumnInfo& column = Columns()[i];
       if (column.is_key && column.base_database == table.first && column.base_table == table.second) {
         write.key_columns.push_back(column.base_column);
         write.key_values.push_back(original_[i]);

@@ -93,7 +93,8 @@ class Recordset {
   CursorLocationEnum cursor_location_ = adUseServer;
   bool open_ = false;
 
-  std::vector<ColumnInfo> columns_;
+  const std::vector<ColumnInfo>& Columns() const;
+  std::shared_ptr<const ColumnSet> columns_;
   std::vector<Row> rows_;
   int64_t position_ = 0;  // -1 before the first row, rows_.size() after the last
   vek::Fields fields_;

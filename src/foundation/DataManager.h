@@ -37,7 +37,7 @@ class DataManager {
   // Runs a member's body in the trap that adds " -> Class.Member, ".
   template <class Body>
   decltype(auto) Run(std::string_view member, Body&& body) {
-    return Trap(RuntimeTypeName(*this), member, std::forward<Body>(body));
+    return Trap([this] { return RuntimeTypeName(*this); }, member, std::forward<Body>(body));
   }
 
   // Refuses, before any SQL is sent, a value that would be put between

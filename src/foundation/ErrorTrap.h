@@ -9,6 +9,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
@@ -37,15 +38,24 @@ std::string RuntimeTypeName(const T& object) {
 [[noreturn]] void RaiseForeignError(std::string_view owner, std::string_view member);
 
 // Runs `body`, re-raising whatever escapes it with the link of owner.member.
-template <class Body>
-decltype(auto) Trap(std::string_view owner, std::string_view member, Body&& body) {
+// `owner` is the owner's name, or a callable giving it, which is called only
+// when an error passes (finding an object's run-time name costs time).
+template <class Owner, class Body>
+decltype(auto) Trap(const Owner& owner, std::string_view member, Body&& body) {
+  const auto owner_name = [&]() -> std::string {
+    if constexpr (std::is_invocable_v<const Owner&>) {
+      return std::string(owner());
+    } else {
+      return std::string(owner);
+    }
+  };
   try {
     return std::forward<Body>(body)();
   } catch (VekError& error) {
-    error.AddLink(owner, member);
+    error.AddLink(owner_name(), member);
     throw;
   } catch (...) {
-    RaiseForeignError(owner, member);
+    RaiseForeignError(owner_name(), member);
   }
 }
 

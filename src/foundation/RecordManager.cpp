@@ -19,7 +19,17 @@ RecordManager::RecordManager(std::string_view table, std::vector<std::string_vie
     : table_(schema::FindTable(table)) {
   if (!table_) RaiseRuntimeError(kInvalidProcedureCall);
   if (key_columns.empty()) key_columns = table_->primary_key;
-  for (std::string_view column : key_columns) key_columns_.emplace_back(column);
+  // The fixed parts of the standard statements are built once.
+  const std::string table_name(table_->name);
+  delete_start_ = SqlLines() << "DELETE " << "FROM   " + table_name;
+  select_start_ = SqlLines() << "SELECT A.*" << "FROM   " + table_name + " A";
+  for (std::string_view column : key_columns) {
+    const schema::ColumnDef* definition = table_->FindColumn(column);
+    const bool first = keys_.empty();
+    keys_.push_back({std::string(column), definition && IsTextColumn(*definition),
+                     (first ? "WHERE  " : "       And ") + std::string(column) + " = ",
+                     (first ? "WHERE  A." : "       and A.") + std::string(column) + " = "});
+  }
 }
 
 bool RecordManager::temCampoSequencial() const { return !nomeCamposSequencial().empty(); }
@@ -33,8 +43,8 @@ std::vector<std::string> RecordManager::nomeCamposSequencial() const {
 }
 
 bool RecordManager::KeyMissing() {
-  for (const std::string& column : key_columns_) {
-    const Variant value = RecordObject().Get(column);
+  for (const KeyColumn& key : keys_) {
+    const Variant value = RecordObject().Get(key.name);
     if (value.IsString() ? value.Get<std::string>()->empty() : CDbl(value) == 0) return true;
   }
   return false;
@@ -42,49 +52,34 @@ bool RecordManager::KeyMissing() {
 
 std::string RecordManager::KeyLiteral(std::string_view column) {
   const schema::ColumnDef* definition = table_->FindColumn(column);
+  return KeyLiteral(column, definition && IsTextColumn(*definition));
+}
+
+std::string RecordManager::KeyLiteral(std::string_view column, bool text) {
   const Variant value = RecordObject().Get(column);
-  if (definition && IsTextColumn(*definition)) {
-    const std::string text = CStr(value);
-    RequireNoApostrophe(column, text);
-    return "'" + text + "'";
+  if (text) {
+    std::string literal = CStr(value);
+    RequireNoApostrophe(column, literal);
+    return "'" + literal + "'";
   }
-  return CStr(Variant(CLng(value)));
+  return std::to_string(CLng(value));
 }
 
-void RecordManager::AddKeyClauses(SqlLines& sql, std::string_view prefix, std::string_view and_word,
-                                  bool zero_keys) {
-  for (size_t i = 0; i < key_columns_.size(); ++i) {
-    const std::string& column = key_columns_[i];
-    const schema::ColumnDef* definition = table_->FindColumn(column);
-    const bool text = definition && IsTextColumn(*definition);
-    const std::string value = zero_keys ? (text ? "''" : "0") : KeyLiteral(column);
-    const std::string head = i == 0 ? "WHERE  " : "       " + std::string(and_word) + " ";
-    sql << head + std::string(prefix) + column + " = " + value;
+std::string RecordManager::KeyClauses(bool for_delete, bool zero_keys) {
+  std::string clauses;
+  for (const KeyColumn& key : keys_) {
+    clauses += for_delete ? key.delete_head : key.select_head;
+    clauses += zero_keys ? (key.text ? "''" : "0") : KeyLiteral(key.name, key.text);
+    clauses += '\r';
   }
+  return clauses;
 }
 
-std::string RecordManager::DeleteStatement() {
-  SqlLines sql;
-  sql << "DELETE " << "FROM   " + std::string(table_->name);
-  AddKeyClauses(sql, "", "And", false);
-  return sql;
-}
+std::string RecordManager::DeleteStatement() { return delete_start_ + KeyClauses(true, false); }
 
-std::string RecordManager::SelectStatement() {
-  SqlLines sql;
-  sql << "SELECT A.*" << "FROM   " + std::string(table_->name) + " A";
-  AddKeyClauses(sql, "A.", "and", false);
-  sql << ";";
-  return sql;
-}
+std::string RecordManager::SelectStatement() { return select_start_ + KeyClauses(false, false) + ";\r"; }
 
-std::string RecordManager::EmptySelectStatement() {
-  SqlLines sql;
-  sql << "SELECT A.*" << "FROM   " + std::string(table_->name) + " A";
-  AddKeyClauses(sql, "A.", "and", true);
-  sql << ";";
-  return sql;
-}
+std::string RecordManager::EmptySelectStatement() { return select_start_ + KeyClauses(false, true) + ";\r"; }
 
 void RecordManager::Excluir() {
   Run("Excluir", [&] {

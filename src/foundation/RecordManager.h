@@ -61,18 +61,31 @@ class RecordManager : public DataManager {
   // The statement of Incluir: the table's columns and no row.
   virtual std::string EmptySelectStatement();
 
-  // A key value as the statements write it: digits, or text between quotes.
+  // A key value as the statements write it: digits, or text between quotes
+  // (refused when it holds an apostrophe).
   std::string KeyLiteral(std::string_view column);
-  // "WHERE  prefix.k1 = v1" and the further key lines.
-  void AddKeyClauses(SqlLines& sql, std::string_view prefix, std::string_view and_word, bool zero_keys);
+  std::string KeyLiteral(std::string_view column, bool text);
+  // The WHERE lines of the key, each ended by a carriage return: for the
+  // DELETE ("WHERE  k = v", "       And k = v") or the SELECT
+  // ("WHERE  A.k = v", "       and A.k = v"); zero_keys writes 0 and ''.
+  std::string KeyClauses(bool for_delete, bool zero_keys);
 
   const schema::TableDef& Table() const { return *table_; }
 
  private:
   void NumberNewRecord();
 
+  struct KeyColumn {
+    std::string name;
+    bool text = false;
+    std::string delete_head;  // "WHERE  Cd_X = " or "       And Cd_X = "
+    std::string select_head;  // "WHERE  A.Cd_X = " or "       and A.Cd_X = "
+  };
+
   const schema::TableDef* table_;
-  std::vector<std::string> key_columns_;
+  std::vector<KeyColumn> keys_;
+  std::string delete_start_;  // "DELETE " / "FROM   Tb"
+  std::string select_start_;  // "SELECT A.*" / "FROM   Tb A"
 };
 
 // The typed face of the protocol for a record's property class.

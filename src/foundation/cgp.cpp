@@ -28,7 +28,7 @@ PropertyType TypeOfColumn(schema::ColumnType type) {
 
 PropertyList::PropertyList(std::vector<PropertyDef> properties) : properties_(std::move(properties)) {
   for (size_t i = 0; i < properties_.size(); ++i) {
-    by_name_.emplace(FoldCase(properties_[i].name), static_cast<int32_t>(i));
+    by_name_.emplace(properties_[i].name, static_cast<int32_t>(i));
   }
 }
 
@@ -46,7 +46,12 @@ std::shared_ptr<const PropertyList> PropertyList::ForTable(std::string_view tabl
 }
 
 int32_t PropertyList::IndexOf(std::string_view name) const {
-  const auto hit = by_name_.find(FoldCase(name));
+  // Names nearly always come spelled as the property is (field names are the
+  // column names): look for the exact spelling before folding case.
+  for (size_t i = 0; i < properties_.size(); ++i) {
+    if (properties_[i].name == name) return static_cast<int32_t>(i);
+  }
+  const auto hit = by_name_.find(name);
   return hit == by_name_.end() ? -1 : hit->second;
 }
 

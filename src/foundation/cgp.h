@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "vek/platform/Text.h"
 #include "vek/platform/Variant.h"
 
 namespace vek {
@@ -40,7 +41,7 @@ class PropertyList {
 
  private:
   std::vector<PropertyDef> properties_;
-  std::unordered_map<std::string, int32_t> by_name_;
+  CaseInsensitiveMap<int32_t> by_name_;
 };
 
 class cgp {

@@ -61,6 +61,8 @@ size_t ByteOffset(std::string_view text, int64_t chars) {
 
 bool IsLatinExtendedA(char32_t c) { return c >= 0x100 && c <= 0x17F; }
 
+constexpr unsigned char AsciiLower(unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 0x20 : c; }
+
 std::string MapCase(std::string_view text, char32_t (*map)(char32_t)) {
   std::string out;
   out.reserve(text.size());
@@ -130,9 +132,17 @@ char32_t LowerChar(char32_t c) {
   return c;
 }
 
-bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) noexcept {
+  // Names are nearly always ASCII: compare bytes until a non-ASCII one.
   size_t i = 0;
-  size_t j = 0;
+  for (; i < a.size() && i < b.size(); ++i) {
+    const unsigned char x = static_cast<unsigned char>(a[i]);
+    const unsigned char y = static_cast<unsigned char>(b[i]);
+    if ((x | y) >= 0x80) break;
+    if (x != y && AsciiLower(x) != AsciiLower(y)) return false;
+  }
+  if (i == a.size() || i == b.size()) return a.size() == b.size();
+  size_t j = i;
   while (i < a.size() && j < b.size()) {
     if (LowerChar(NextCodePoint(a, i)) != LowerChar(NextCodePoint(b, j))) return false;
   }
@@ -140,6 +150,19 @@ bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
 }
 
 std::string FoldCase(std::string_view text) { return MapCase(text, LowerChar); }
+
+size_t CaseInsensitiveHash::operator()(std::string_view text) const noexcept {
+  // FNV-1a over the lower-case code points, ASCII ones taken directly.
+  uint64_t hash = 14695981039346656037ull;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    const unsigned char byte = static_cast<unsigned char>(text[pos]);
+    const char32_t c = byte < 0x80 ? (++pos, AsciiLower(byte)) : LowerChar(NextCodePoint(text, pos));
+    hash ^= c;
+    hash *= 1099511628211ull;
+  }
+  return static_cast<size_t>(hash);
+}
 
 std::string LTrim(std::string_view text) {
   const size_t first = text.find_first_not_of(' ');

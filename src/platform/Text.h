@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace vek {
 
@@ -18,9 +19,22 @@ void AppendUtf8(std::string& out, char32_t code_point);
 // as the classic runtime did for Western text.
 char32_t UpperChar(char32_t c);
 char32_t LowerChar(char32_t c);
-bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) noexcept;
 // A key for maps that compare names case-insensitively.
 std::string FoldCase(std::string_view text);
+
+// Hashing and equality that ignore case, for maps looked up by name without
+// folding the name first.
+struct CaseInsensitiveHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view text) const noexcept;
+};
+struct CaseInsensitiveEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const noexcept { return EqualsIgnoreCase(a, b); }
+};
+template <class Value>
+using CaseInsensitiveMap = std::unordered_map<std::string, Value, CaseInsensitiveHash, CaseInsensitiveEqual>;
 
 // ---- the classic runtime's text routines ----------------------------------
 // Blanks are spaces only, as in the classic runtime.

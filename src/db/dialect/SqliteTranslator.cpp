@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -11,6 +12,31 @@
 
 namespace vek::dialect {
 namespace {
+
+// The text between the quotes of a String or NationalString token, escapes
+// as written; nullopt for any other token.
+std::optional<std::string_view> QuotedText(const Token& token) {
+  if (token.kind != TokenKind::String && token.kind != TokenKind::NationalString)
+    return std::nullopt;
+  std::string_view literal = token.text;
+  if (token.kind == TokenKind::NationalString && !literal.empty()) literal.remove_prefix(1);
+  if (literal.size() < 2) return std::string_view();
+  return literal.substr(1, literal.size() - 2);
+}
+
+// The date that a literal's text is as a whole; only texts that begin and
+// end with a digit and have "/" or "-" after the leading digits are tried,
+// which leaves codes, plates and numbers as text.
+std::optional<DateTimeParts> WholeDate(std::string_view inner) {
+  if (inner.empty() || inner.front() < '0' || inner.front() > '9' || inner.back() < '0' ||
+      inner.back() > '9') {
+    return std::nullopt;
+  }
+  const size_t separator = inner.find_first_not_of("0123456789");
+  if (separator == std::string_view::npos || (inner[separator] != '/' && inner[separator] != '-'))
+    return std::nullopt;
+  return ParseDateText(inner, false);
+}
 
 constexpr size_t kNone = static_cast<size_t>(-1);
 
@@ -268,6 +294,8 @@ struct Sig {
   size_t match = kNone;  // the partner of "(" / ")" and CASE / END
   Kw keyword = Kw::None;
   bool reserved = false;
+  bool table_name = false;         // names a table of FROM or a statement's target
+  size_t qualifier_alias = kNone;  // a qualifier that is written as this alias
 };
 
 // The parts of a dotted name (at most four, as in SQL Server, plus ".*");
@@ -300,6 +328,49 @@ struct FromRef {
   size_t alias = kNone;  // index of the alias token
 };
 
+// A name that a qualifier can give a table of a scope: the table alone, or
+// database and table (empty database for the first form). Compared without
+// ASCII case, as SQL Server compares names.
+struct QualifierKey {
+  std::string_view database;
+  std::string_view table;
+};
+
+struct QualifierKeyHash {
+  size_t operator()(const QualifierKey& key) const {
+    uint64_t hash = 14695981039346656037ull;  // FNV-1a
+    const auto add = [&hash](unsigned char byte) {
+      hash ^= byte;
+      hash *= 1099511628211ull;
+    };
+    for (char c : key.database) add(static_cast<unsigned char>(AsciiUpper(c)));
+    add(0);
+    for (char c : key.table) add(static_cast<unsigned char>(AsciiUpper(c)));
+    return static_cast<size_t>(hash);
+  }
+};
+
+struct QualifierKeyEqual {
+  bool operator()(const QualifierKey& a, const QualifierKey& b) const {
+    return a.table.size() == b.table.size() && a.database.size() == b.database.size() &&
+           EqualsAsciiNoCase(a.table, b.table) && EqualsAsciiNoCase(a.database, b.database);
+  }
+};
+
+// What a name means as a qualifier in one scope.
+enum class BindingKind : uint8_t {
+  Direct,     // an alias, or a table without an alias: written as it stands
+  Aliased,    // the real name of a table that has an alias: written as the alias
+  Ambiguous,  // the real name of several aliased tables: left for the database to refuse
+};
+
+struct Binding {
+  QualifierKey key;
+  BindingKind kind = BindingKind::Direct;
+  size_t alias = kNone;     // Aliased: the alias token
+  size_t shadowed = kNone;  // indexed: the binding of the same name further out
+};
+
 class Translator {
  public:
   explicit Translator(std::string_view sql) : sql_(sql) {}
@@ -325,7 +396,10 @@ class Translator {
     size_t k = 0;
     while (k < n_) {
       const size_t end = NextStatementEnd(k);
-      if (end > k) EmitStatement(k, end);
+      if (end > k) {
+        ResolveTableQualifiers(k, end);
+        EmitStatement(k, end);
+      }
       if (end < n_) EmitToken(end);
       k = end + 1;
     }
@@ -459,26 +533,15 @@ class Translator {
     EmitText(k);
   }
 
+  // Written again from its value, so that a date reads as SQLite stores it.
   void EmitStringLiteral(const Token& token) {
-    std::string_view literal = token.text;
-    if (token.kind == TokenKind::NationalString) literal.remove_prefix(1);
-    const std::string_view inner = literal.substr(1, literal.size() - 2);
-    // A literal that is a whole date is written the way dates are stored, so
-    // that comparing it with a stored date compares moments.
-    if (!inner.empty() && inner.front() >= '0' && inner.front() <= '9' && inner.back() >= '0' &&
-        inner.back() <= '9') {
-      const size_t separator = inner.find_first_not_of("0123456789");
-      if (separator != std::string_view::npos &&
-          (inner[separator] == '/' || inner[separator] == '-')) {
-        if (const auto parts = ParseDateText(inner, false)) {
-          out_.push_back('\'');
-          out_.append(FormatCanonical(*parts));
-          out_.push_back('\'');
-          return;
-        }
-      }
+    const std::string value = SqliteStringLiteralValue(token);
+    out_.push_back('\'');
+    for (char c : value) {
+      if (c == '\'') out_.push_back('\'');
+      out_.push_back(c);
     }
-    out_.append(literal);
+    out_.push_back('\'');
   }
 
   template <class Body>
@@ -586,6 +649,12 @@ class Translator {
   }
 
   void EmitNameText(size_t k, size_t q) {
+    if (sig_[k].qualifier_alias != kNone) {
+      EmitText(sig_[k].qualifier_alias);
+      out_.push_back('.');
+      EmitText(q - 1);  // the column or "*"
+      return;
+    }
     const NameSplit parts = NameParts(k, q);
     const bool star = IsOp(q - 1, "*");
     NameSplit named;
@@ -628,6 +697,195 @@ class Translator {
       first = false;
     }
     if (star) out_.append(first ? "*" : ".*");
+  }
+
+  // ---- qualifiers that name an aliased table ----------------------------------
+
+  // SQL Server 2000 let a qualifier name a table by its real name although
+  // the FROM clause gives that table an alias ("SELECT TbBairro.* FROM
+  // TbBairro A"); SQLite knows such a table only by its alias, so those
+  // qualifiers are written as the alias. Every SELECT, and an UPDATE or
+  // DELETE, is a scope; a qualifier is looked up from its own scope outwards
+  // and the innermost scope that knows the name decides.
+  void ResolveTableQualifiers(size_t b, size_t e) {
+    if (Is(b, Kw::Delete)) BindDeleteScope(b, e);
+    if (Is(b, Kw::Update)) BindUpdateScope(b, e);
+    ResolveRange(b, e);
+    PopBindings(0);
+  }
+
+  // The tokens of [b, e), one level of parentheses; what is inside a
+  // parenthesis is a range of its own, whose scopes close with it.
+  void ResolveRange(size_t b, size_t e) {
+    const size_t outer = binding_stack_.size();
+    size_t k = b;
+    while (k < e) {
+      const Kw keyword = sig_[k].keyword;
+      if (keyword == Kw::Select) {
+        // A SELECT ends the scope of the branch before it in a compound.
+        PopBindings(outer);
+        BindSelectScope(k, e);
+        ++k;
+      } else if (keyword == Kw::Union || keyword == Kw::Except || keyword == Kw::Intersect) {
+        PopBindings(outer);
+        ++k;
+      } else if (IsOp(k, "(")) {
+        ResolveRange(k + 1, Match(k));
+        k = Match(k) + 1;
+      } else if (IsOp(k + 1, ".") && IsNamePart(k)) {
+        const size_t q = NameEnd(k, e);
+        if (q > k + 1) ResolveQualifier(k, q);
+        k = std::max(q, k + 1);
+      } else {
+        ++k;
+      }
+    }
+    PopBindings(outer);
+  }
+
+  void BindSelectScope(size_t select, size_t e) {
+    size_t k = select + 1;
+    while (k < e && !Is(k, Kw::From) && !IsCompoundOperator(k)) k = Skip(k);
+    if (k >= e || !Is(k, Kw::From)) return;
+    const size_t scope = binding_stack_.size();
+    ForEachFromRef(k + 1, e, [&](const FromRef& ref) { BindRef(ref, scope); });
+  }
+
+  // The table sources as EmitDelete reads them.
+  void BindDeleteScope(size_t b, size_t e) {
+    size_t k = b + 1;
+    if (Is(k, Kw::From)) ++k;
+    FromRef target;
+    target.name_begin = k;
+    target.name_end = NameEnd(k, e);
+    if (target.name_end == k) return;
+    k = target.name_end;
+    if (Is(k, Kw::As) && IsAliasWord(k + 1)) {
+      target.alias = k + 1;
+      k += 2;
+    } else if (IsAliasWord(k)) {
+      target.alias = k++;
+    }
+    const size_t scope = binding_stack_.size();
+    if (!Is(k, Kw::From)) return BindRef(target, scope);
+    // DELETE target FROM sources: the target names one of the sources.
+    sig_[target.name_begin].table_name = true;
+    ForEachFromRef(k + 1, e, [&](const FromRef& ref) { BindRef(ref, scope); });
+  }
+
+  void BindUpdateScope(size_t b, size_t e) {
+    FromRef target;
+    target.name_begin = b + 1;
+    target.name_end = NameEnd(b + 1, e);
+    if (target.name_end == target.name_begin) return;
+    const size_t scope = binding_stack_.size();
+    BindRef(target, scope);
+    size_t k = target.name_end;
+    while (k < e && !Is(k, Kw::From) && !Is(k, Kw::Where) && !Is(k, Kw::Option)) k = Skip(k);
+    if (Is(k, Kw::From))
+      ForEachFromRef(k + 1, e, [&](const FromRef& ref) { BindRef(ref, scope); });
+  }
+
+  // `scope` is where the scope's bindings begin in binding_stack_.
+  void BindRef(const FromRef& ref, size_t scope) {
+    if (ref.name_end != kNone && ref.name_end > ref.name_begin) {
+      sig_[ref.name_begin].table_name = true;
+      const NameSplit kept = KeptNameParts(ref.name_begin, ref.name_end);
+      if (kept.size() == 1 || kept.size() == 2) {
+        const BindingKind kind = ref.alias == kNone ? BindingKind::Direct : BindingKind::Aliased;
+        Bind(QualifierKey{{}, NameText(kept.back())}, kind, ref.alias, scope);
+        if (kept.size() == 2)
+          Bind(QualifierKey{NameText(kept[0]), NameText(kept[1])}, kind, ref.alias, scope);
+      }
+    }
+    if (ref.alias != kNone)
+      Bind(QualifierKey{{}, NameText(ref.alias)}, BindingKind::Direct, kNone, scope);
+  }
+
+  void Bind(const QualifierKey& key, BindingKind kind, size_t alias, size_t scope) {
+    const size_t known = FindBinding(key);
+    if (known == kNone || known < scope) {
+      PushBinding(Binding{key, kind, alias, kNone});
+      return;
+    }
+    // An alias or an unaliased table of the scope is what the name means.
+    Binding& binding = binding_stack_[known];
+    if (kind == BindingKind::Direct || binding.kind == BindingKind::Direct) {
+      binding.kind = BindingKind::Direct;
+    } else if (!EqualsAsciiNoCase(NameText(binding.alias), NameText(alias))) {
+      binding.kind = BindingKind::Ambiguous;
+    }
+  }
+
+  // Scopes hold a few names each: they are searched in place, and only a
+  // statement with very many open names gets an index, which keeps the pass
+  // linear without costing the usual statement an allocation.
+  static constexpr size_t kIndexedBindings = 16;
+
+  // The innermost open binding of the name; kNone when no scope knows it.
+  size_t FindBinding(const QualifierKey& key) const {
+    if (indexed_) {
+      const auto found = binding_index_.find(key);
+      return found == binding_index_.end() ? kNone : found->second;
+    }
+    const QualifierKeyEqual equal;
+    for (size_t i = binding_stack_.size(); i-- > 0;) {
+      if (equal(binding_stack_[i].key, key)) return i;
+    }
+    return kNone;
+  }
+
+  void PushBinding(Binding binding) {
+    if (!indexed_ && binding_stack_.size() == kIndexedBindings) {
+      indexed_ = true;
+      for (size_t i = 0; i < binding_stack_.size(); ++i) Index(i);
+    }
+    binding_stack_.push_back(binding);
+    if (indexed_) Index(binding_stack_.size() - 1);
+  }
+
+  void Index(size_t i) {
+    const auto [entry, added] = binding_index_.try_emplace(binding_stack_[i].key, i);
+    if (!added) {
+      binding_stack_[i].shadowed = entry->second;
+      entry->second = i;
+    }
+  }
+
+  void PopBindings(size_t size) {
+    while (binding_stack_.size() > size) {
+      const Binding& binding = binding_stack_.back();
+      if (indexed_) {
+        if (binding.shadowed == kNone) {
+          binding_index_.erase(binding.key);
+        } else {
+          binding_index_[binding.key] = binding.shadowed;
+        }
+      }
+      binding_stack_.pop_back();
+    }
+  }
+
+  // The name chain [k, q): a column or "*" after a qualifier of one part, or
+  // of two (database and table) once "dbo" is gone.
+  void ResolveQualifier(size_t k, size_t q) {
+    if (sig_[k].table_name || IsOp(q, "(")) return;
+    QualifierKey key;
+    if (q == k + 3 && IsNamePart(k + 2)) {
+      // The usual "X.column"; "dbo.column" names no table once dbo is gone.
+      key.table = NameText(k);
+      if (EqualsAsciiNoCase(key.table, "dbo")) return;
+    } else {
+      const bool star = IsOp(q - 1, "*");
+      const NameSplit kept = KeptNameParts(k, star ? q - 2 : q);
+      const size_t qualifier_parts = star ? kept.size() : kept.size() - 1;
+      if (qualifier_parts == 0 || qualifier_parts > 2) return;
+      key = qualifier_parts == 1 ? QualifierKey{{}, NameText(kept[0])}
+                                 : QualifierKey{NameText(kept[0]), NameText(kept[1])};
+    }
+    const size_t found = FindBinding(key);
+    if (found != kNone && binding_stack_[found].kind == BindingKind::Aliased)
+      sig_[k].qualifier_alias = binding_stack_[found].alias;
   }
 
   // ---- expressions -----------------------------------------------------------
@@ -1363,6 +1621,12 @@ class Translator {
   // The table sources of a FROM clause; a derived table has name_end kNone.
   std::vector<FromRef> ParseFromRefs(size_t b, size_t e) const {
     std::vector<FromRef> refs;
+    ForEachFromRef(b, e, [&refs](const FromRef& ref) { refs.push_back(ref); });
+    return refs;
+  }
+
+  template <class Visit>
+  void ForEachFromRef(size_t b, size_t e, Visit&& visit) const {
     bool expect_table = true;
     size_t k = b;
     while (k < e) {
@@ -1387,9 +1651,8 @@ class Translator {
       } else if (IsAliasWord(k)) {
         ref.alias = k++;
       }
-      refs.push_back(ref);
+      visit(ref);
     }
-    return refs;
   }
 
   bool SameName(const NameSplit& a, const NameSplit& b) const {
@@ -1400,9 +1663,12 @@ class Translator {
     return true;
   }
 
+  // Whether a qualifier in [b, e) is written as `alias`.
   bool QualifierUsed(std::string_view alias, size_t b, size_t e) const {
     for (size_t k = b; k + 1 < e; ++k) {
-      if (IsNamePart(k) && IsOp(k + 1, ".") && EqualsAsciiNoCase(NameText(k), alias)) return true;
+      if (!IsNamePart(k) || !IsOp(k + 1, ".")) continue;
+      const size_t written = sig_[k].qualifier_alias != kNone ? sig_[k].qualifier_alias : k;
+      if (EqualsAsciiNoCase(NameText(written), alias)) return true;
     }
     return false;
   }
@@ -1566,6 +1832,11 @@ class Translator {
   std::string_view sql_;
   std::vector<Token> tokens_;
   std::vector<Sig> sig_;
+  // The names that the open scopes know, innermost last, and once there are
+  // many, the innermost binding of each name.
+  std::vector<Binding> binding_stack_;
+  std::unordered_map<QualifierKey, size_t, QualifierKeyHash, QualifierKeyEqual> binding_index_;
+  bool indexed_ = false;
   size_t n_ = 0;
   Token end_token_{};
   std::string out_;
@@ -1574,5 +1845,19 @@ class Translator {
 }  // namespace
 
 std::string TranslateToSqlite(std::string_view tsql) { return Translator(tsql).Run(); }
+
+bool IsSqliteDateLiteral(const Token& token) {
+  const auto inner = QuotedText(token);
+  return inner && WholeDate(*inner).has_value();
+}
+
+std::string SqliteStringLiteralValue(const Token& token) {
+  const auto inner = QuotedText(token);
+  if (!inner) return std::string();
+  // A literal that is a whole date becomes text the way dates are stored,
+  // so that comparing it with a stored date compares moments.
+  if (const auto date = WholeDate(*inner)) return FormatCanonical(*date);
+  return StringValue(token);
+}
 
 }  // namespace vek::dialect

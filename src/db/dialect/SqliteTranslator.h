@@ -4,13 +4,16 @@
 #include <string>
 #include <string_view>
 
+#include "vek/db/dialect/Tokenizer.h"
+
 namespace vek::dialect {
 
 // Translates SQL Server text, as the library builds it (clauses joined by a
 // bare carriage return), into SQLite text with the same meaning on a
-// connection prepared by RegisterSqlServerFunctions. Works on tokens in one
-// pass plus a small pass over the operands of "+"; several statements
-// separated by ";" are translated one by one.
+// connection prepared by RegisterSqlServerFunctions. Works on tokens: one
+// pass over each statement's scopes for its qualifiers, one that writes the
+// text, and a small pass over the operands of "+"; both are linear in the
+// tokens. Several statements separated by ";" are translated one by one.
 //
 // What changes:
 // - SELECT TOP n / TOP (n) becomes LIMIT n at the end of that SELECT (a
@@ -31,6 +34,13 @@ namespace vek::dialect {
 //   pragma sequence + 1, create_date = NULL; the main database is named after
 //   its file without extension, "main" when in memory; names compare
 //   case-insensitively).
+// - A qualifier that names a table by its real name while the FROM clause of
+//   its SELECT (or its UPDATE or DELETE) gives that table an alias is
+//   written as the alias, as SQL Server 2000 read it: "SELECT TbBairro.*
+//   FROM TbBairro A" selects A.*. An alias or an unaliased table of that
+//   name in the scope keeps the qualifier as it stands, and so does a name
+//   that several aliased tables of the scope share (SQLite refuses it); a
+//   sub-query looks its qualifiers up from its own scope outwards.
 // - DELETE FROM t alias WHERE ..., DELETE t FROM t WHERE ... and DELETE t
 //   FROM ... JOIN ... become SQLite deletes (through rowid where a join or an
 //   alias needs it); UPDATE t SET t.c = ... loses the qualifier; INSERT t
@@ -51,5 +61,16 @@ namespace vek::dialect {
 // between texts; also for unbalanced parentheses, CASE without END and what
 // the tokenizer refuses.
 std::string TranslateToSqlite(std::string_view tsql);
+
+// Whether a String or NationalString token is a whole date ('dd/mm/yyyy[
+// hh:mm[:ss]]' day first, or 'yyyy-mm-dd[ hh:mm[:ss]]'), which translated
+// text writes as 'yyyy-mm-dd hh:mm:ss'. False for any other token.
+bool IsSqliteDateLiteral(const Token& token);
+
+// The text that a String or NationalString token stands for in translated
+// text: the date as 'yyyy-mm-dd hh:mm:ss' (with '.fff' when it has
+// milliseconds) for a whole date, otherwise the value without quotes or N
+// and with '' read as '. Empty for any other token.
+std::string SqliteStringLiteralValue(const Token& token);
 
 }  // namespace vek::dialect

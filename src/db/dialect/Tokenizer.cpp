@@ -1,5 +1,6 @@
 #include "vek/db/dialect/Tokenizer.h"
 
+#include <array>
 #include <utility>
 
 #include "vek/foundation/VekError.h"
@@ -7,20 +8,31 @@
 namespace vek::dialect {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
-bool IsAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-// Bytes of multi-byte UTF-8 characters count as letters: names may be accented.
-bool IsHighByte(char c) { return static_cast<unsigned char>(c) >= 0x80; }
-bool IsWordStart(char c) {
-  return IsAsciiLetter(c) || IsHighByte(c) || c == '_' || c == '@' || c == '#';
-}
-bool IsWordPart(char c) { return IsWordStart(c) || IsDigit(c) || c == '$'; }
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v';
-}
+// Character classes by byte, looked up once per character.
+enum CharClass : unsigned char { kOther = 0, kDigit = 1, kWordStart = 2, kWordPart = 4, kBlank = 8 };
 
-char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr std::array<unsigned char, 256> MakeClasses() {
+  std::array<unsigned char, 256> classes{};
+  for (int c = 0; c < 256; ++c) {
+    unsigned char k = kOther;
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    // Bytes of multi-byte UTF-8 characters count as letters: names may be accented.
+    if (letter || c >= 0x80 || c == '_' || c == '@' || c == '#') k |= kWordStart | kWordPart;
+    if (c >= '0' && c <= '9') k |= kDigit | kWordPart;
+    if (c == '$') k |= kWordPart;
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v') k |= kBlank;
+    classes[static_cast<size_t>(c)] = k;
+  }
+  return classes;
+}
+constexpr std::array<unsigned char, 256> kClasses = MakeClasses();
+
+bool Is(char c, CharClass k) { return (kClasses[static_cast<unsigned char>(c)] & k) != 0; }
+bool IsDigit(char c) { return Is(c, kDigit); }
+bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+bool IsWordStart(char c) { return Is(c, kWordStart); }
+bool IsWordPart(char c) { return Is(c, kWordPart); }
+bool IsBlank(char c) { return Is(c, kBlank); }
 
 }  // namespace
 
@@ -29,7 +41,7 @@ void RaiseDialectError(std::string description) {
 }
 
 Token Tokenizer::Make(TokenKind kind, size_t begin, size_t end) const {
-  return Token{kind, sql_.substr(begin, end - begin), begin};
+  return Token{kind, std::string_view(sql_.data() + begin, end - begin), begin};
 }
 
 // Returns the offset just past the closing character; a doubled closing
@@ -99,9 +111,23 @@ size_t Tokenizer::ScanWord(size_t begin) const {
 }
 
 Token Tokenizer::Next() {
-  if (pos_ >= sql_.size()) return Make(TokenKind::End, sql_.size(), sql_.size());
+  const size_t size = sql_.size();
+  if (pos_ >= size) return Token{TokenKind::End, std::string_view(sql_.data() + size, 0), size};
   const size_t begin = pos_;
   const char c = sql_[begin];
+  // Words and blanks are most of any statement: scan them here, at once.
+  if (IsWordStart(c) && !((c == 'N' || c == 'n') && begin + 1 < size && sql_[begin + 1] == '\'')) {
+    size_t end = begin + 1;
+    while (end < size && IsWordPart(sql_[end])) ++end;
+    pos_ = end;
+    return Token{TokenKind::Word, std::string_view(sql_.data() + begin, end - begin), begin};
+  }
+  if (IsBlank(c)) {
+    size_t end = begin + 1;
+    while (end < size && IsBlank(sql_[end])) ++end;
+    pos_ = end;
+    return Token{TokenKind::Whitespace, std::string_view(sql_.data() + begin, end - begin), begin};
+  }
   const char next = begin + 1 < sql_.size() ? sql_[begin + 1] : '\0';
   TokenKind kind = TokenKind::Operator;
   size_t end = begin + 1;
@@ -152,18 +178,6 @@ std::vector<Token> Tokenize(std::string_view sql) {
     tokens.push_back(token);
   }
   return tokens;
-}
-
-bool EqualsAsciiNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (AsciiUpper(a[i]) != AsciiUpper(b[i])) return false;
-  }
-  return true;
-}
-
-bool IsKeyword(const Token& token, std::string_view keyword) {
-  return token.kind == TokenKind::Word && EqualsAsciiNoCase(token.text, keyword);
 }
 
 std::string StringValue(const Token& token) {

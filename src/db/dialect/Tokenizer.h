@@ -61,10 +61,20 @@ class Tokenizer {
 // Every token of the text, End excluded.
 std::vector<Token> Tokenize(std::string_view sql);
 
-// True for a Word token equal to `keyword` ignoring ASCII case.
-bool IsKeyword(const Token& token, std::string_view keyword);
 // ASCII case-insensitive equality (SQL keywords and names are ASCII).
-bool EqualsAsciiNoCase(std::string_view a, std::string_view b);
+inline bool EqualsAsciiNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    const char x = a[i] >= 'a' && a[i] <= 'z' ? static_cast<char>(a[i] - 32) : a[i];
+    const char y = b[i] >= 'a' && b[i] <= 'z' ? static_cast<char>(b[i] - 32) : b[i];
+    if (x != y) return false;
+  }
+  return true;
+}
+// True for a Word token equal to `keyword` ignoring ASCII case.
+inline bool IsKeyword(const Token& token, std::string_view keyword) {
+  return token.kind == TokenKind::Word && EqualsAsciiNoCase(token.text, keyword);
+}
 
 // The text of a String or NationalString token without quotes or N prefix,
 // with '' turned back into '.

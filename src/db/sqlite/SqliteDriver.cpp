@@ -189,7 +189,7 @@ class SqliteDriver final : public Driver {
     QueryResult result;
     const int column_count = sqlite3_column_count(statement);
     result.returns_rows = column_count > 0;
-    if (result.returns_rows && cached.columns.empty()) DescribeColumns(cached);
+    if (result.returns_rows && !cached.column_set) DescribeColumns(cached);
     const bool untyped_columns = cached.untyped;
     const int64_t changes_before = sqlite3_total_changes64(db_.get());
     int code;
@@ -209,8 +209,7 @@ class SqliteDriver final : public Driver {
     }
     sqlite3_reset(statement);
     if (result.returns_rows) {
-      result.columns = cached.columns;
-      if (untyped_columns) TypeUntypedColumns(result);
+      result.columns = untyped_columns ? TypedColumns(cached.columns, result.rows) : cached.column_set;
     } else {
       result.records_affected =
           sqlite3_total_changes64(db_.get()) != changes_before ? sqlite3_changes64(db_.get()) : 0;
@@ -274,6 +273,7 @@ class SqliteDriver final : public Driver {
   struct CachedStatement {
     StatementHandle handle;
     std::vector<ColumnInfo> columns;
+    std::shared_ptr<const ColumnSet> column_set;
     bool untyped = false;
     bool changes_schema = false;
     std::list<std::string>::iterator lru_position;
@@ -382,21 +382,24 @@ class SqliteDriver final : public Driver {
         column.is_autoincrement = column.is_key && info.integer_key;
       }
     }
+    cached.column_set = std::make_shared<const ColumnSet>(cached.columns);
   }
 
   // Columns without a declared type take the type of their first value.
-  static void TypeUntypedColumns(QueryResult& result) {
-    for (size_t i = 0; i < result.columns.size(); ++i) {
-      ColumnInfo& column = result.columns[i];
+  static std::shared_ptr<const ColumnSet> TypedColumns(std::vector<ColumnInfo> columns,
+                                                       const std::vector<Row>& rows) {
+    for (size_t i = 0; i < columns.size(); ++i) {
+      ColumnInfo& column = columns[i];
       if (column.type != adVariant) continue;
       column.type = adVarChar;
-      for (const Row& row : result.rows) {
+      for (const Row& row : rows) {
         if (!row[i].IsNull()) {
           column.type = TypeOfValue(row[i]);
           break;
         }
       }
     }
+    return std::make_shared<const ColumnSet>(std::move(columns));
   }
 
   const TableInfo& Table(const std::string& database, const std::string& table) {
@@ -435,6 +438,7 @@ class SqliteDriver final : public Driver {
     tables_.clear();
     for (auto& [text, cached] : statements_) {
       cached.columns.clear();
+      cached.column_set.reset();
       cached.untyped = false;
     }
   }

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "db/dialect/SqliteTestDb.h"
+#include "vek/schema/Catalogue.h"
+#include "vek/schema/Ddl.h"
 
 namespace vek::dialect {
 namespace {
@@ -589,6 +591,181 @@ TEST_F(SqliteTranslator, SysDatabasesListsTheAttachedDatabases) {
   EXPECT_TRUE(Mentions(TranslationError("SELECT * FROM sys.tables"), "sys.tables"));
 }
 
+// ---- qualifiers that name an aliased table ------------------------------------------
+
+class SqliteTranslatorAddresses : public SqliteTranslator {
+ protected:
+  // Goiânia has three neighbourhoods and the postcode 74000-000, Brasília
+  // one and 70000-000, Salvador one and no postcode.
+  SqliteTranslatorAddresses() {
+    for (const char* table :
+         {"TbUF", "TbCidade", "TbBairro", "TbLogradouro", "TbCEP_TbLogradouro"}) {
+      for (const std::string& statement :
+           schema::SqliteTableStatements(*schema::FindTable(table), "")) {
+        db_.Exec(statement);
+      }
+    }
+    db_.Run("INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (9, 'Goiás', 'GO'), "
+            "(7, 'Distrito Federal', 'DF'), (5, 'Bahia', 'BA')");
+    db_.Run("INSERT INTO TbCidade (Cd_Cidade, Nm_Cidade, Cd_UF, Sg_UF) VALUES (3, 'Goiânia', 9, "
+            "'GO'), (4, 'Brasília', 7, 'DF'), (6, 'Salvador', 5, 'BA')");
+    db_.Run("INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro, Cd_Cidade) VALUES (1, 'Centro', 3), "
+            "(2, 'Setor Oeste', 3), (5, 'Água Branca', 3), (8, 'Asa Sul', 4), (9, 'Barra', 6)");
+    db_.Run("INSERT INTO TbLogradouro (Cd_Logradouro, Nm_Logradouro, Cd_Cidade) VALUES "
+            "(20, 'Avenida Goiás', 3), (21, 'Eixo Monumental', 4)");
+    db_.Run("INSERT INTO TbCEP_TbLogradouro (Cd_Logradouro, Cd_EP) VALUES (20, '74000-000'), "
+            "(21, '70000-000')");
+  }
+
+  static std::string Column(const Rows& rows, size_t column) {
+    std::string joined;
+    for (const auto& row : rows) joined += (joined.empty() ? "" : "|") + row.at(column);
+    return joined;
+  }
+};
+
+TEST_F(SqliteTranslatorAddresses, TheListLoadersQualifyByTheTablesRealName) {
+  const std::string plain =
+      Lines({"SELECT   TbBairro.*", "FROM     TbBairro A", "ORDER BY TbBairro.Nm_Bairro", ";"});
+  const Rows all = db_.Run(plain);
+  ASSERT_EQ(all.size(), 5u);
+  EXPECT_EQ(all[0], (std::vector<std::string>{"5", "Água Branca", "3"}));  // A.*, no more
+  EXPECT_EQ(Column(all, 1), "Água Branca|Asa Sul|Barra|Centro|Setor Oeste");
+  EXPECT_FALSE(Mentions(TranslateToSqlite(plain), "TbBairro."));
+  EXPECT_EQ(Column(db_.Run(Lines({"SELECT   TbBairro.*", "FROM     TbBairro A",
+                                  "WHERE tbbairro.Cd_Cidade = 3 And A.Cd_Bairro <> 1",
+                                  "ORDER BY TbBairro.Nm_Bairro", ";"})),
+                   1),
+            "Água Branca|Setor Oeste");
+
+  const auto states_of = [&](const std::string& filter) {
+    return db_.Run(
+        Lines({"SELECT   D.CD_UF,", "         D.NM_UF,", "         D.SG_UF",
+               "FROM     TBCEP_TbLogradouro A JOIN TbLogradouro B ON A.CD_LOGRADOURO = "
+               "B.CD_LOGRADOURO",
+               "                              JOIN TbCidade C ON B.CD_CIDADE = C.CD_CIDADE",
+               "                              JOIN TBUF D ON C.SG_UF = D.SG_UF",
+               "WHERE " + filter, "ORDER BY D.NM_UF;"}));
+  };
+  EXPECT_EQ(states_of("TbCEP_TbLogradouro.Cd_EP = '74000-000'"),
+            (Rows{{"9", "Goiás", "GO"}}));
+  EXPECT_EQ(states_of("tbcep_tblogradouro.cd_ep = '70000-000'"),
+            (Rows{{"7", "Distrito Federal", "DF"}}));
+  EXPECT_TRUE(states_of("TbCEP_TbLogradouro.Cd_EP = '40000-000'").empty());
+
+  // The neighbourhoods' postcode statement names tables that have no alias.
+  const Rows goiania = db_.Run(Lines(
+      {"SELECT TbBairro.CD_BAIRRO,", "       TbBairro.NM_BAIRRO", "FROM   TBCEP_TbLogradouro",
+       "       JOIN TbLogradouro ON TBCEP_TbLogradouro.CD_LOGRADOURO = TbLogradouro.CD_LOGRADOURO",
+       "       JOIN TbCidade ON TbLogradouro.Cd_Cidade = TbCidade.CD_CIDADE",
+       "       JOIN TbBairro ON TbCidade.CD_CIDADE = TbBairro.CD_CIDADE",
+       "WHERE  TbCEP_TbLogradouro.Cd_EP = '74000-000'", "ORDER BY TbBairro.Nm_Bairro"}));
+  EXPECT_EQ(goiania, (Rows{{"5", "Água Branca"}, {"1", "Centro"}, {"2", "Setor Oeste"}}));
+}
+
+TEST_F(SqliteTranslatorAddresses, AnAliasOrAnUnaliasedTableOfTheNameKeepsTheQualifier) {
+  // TbBairro is the alias of the cities here, not the neighbourhoods' B.
+  EXPECT_EQ(db_.Value("SELECT TbBairro.Nm_Cidade FROM TbCidade TbBairro JOIN TbBairro B ON "
+                      "B.Cd_Cidade = TbBairro.Cd_Cidade WHERE B.Cd_Bairro = 8"),
+            "Brasília");
+  // The same table once with and once without an alias: the name is the unaliased one.
+  EXPECT_EQ(Column(db_.Run("SELECT TbBairro.Nm_Bairro FROM TbBairro A JOIN TbBairro ON "
+                           "TbBairro.Cd_Cidade = A.Cd_Cidade WHERE A.Cd_Bairro = 1 And "
+                           "TbBairro.Cd_Bairro <> 1 ORDER BY 1"),
+                   0),
+            "Água Branca|Setor Oeste");
+  // A name that two aliased tables share means neither: the database refuses it.
+  EXPECT_TRUE(Mentions(db_.RunError("SELECT TbCidade.Nm_Cidade FROM TbCidade D JOIN TbCidade E "
+                                    "ON D.Cd_UF = E.Cd_UF"),
+                       "no such column"));
+  // Texts, bracketed names, owners and other cases.
+  EXPECT_EQ(db_.Value("SELECT 'TbBairro.Nm_Bairro' FROM TbBairro A -- TbBairro.x\r"),
+            "TbBairro.Nm_Bairro");
+  EXPECT_EQ(db_.Value("SELECT [TbBairro].[Nm_Bairro] FROM [TbBairro] [A] WHERE "
+                      "[tbBAIRRO].Cd_Bairro = 8"),
+            "Asa Sul");
+  EXPECT_EQ(db_.Value("SELECT dbo.TbBairro.Nm_Bairro FROM dbo.TbBairro As A WHERE "
+                      "dbo.TbBairro.Cd_Bairro = 9"),
+            "Barra");
+  // A table named like an attached database: names in FROM are never qualifiers.
+  db_.Exec("ATTACH ':memory:' AS Arquivo");
+  db_.Exec("CREATE TABLE Arquivo.TbBairro (Cd_Bairro INTEGER, Nm_Bairro TEXT)");
+  db_.Exec("CREATE TABLE main.Arquivo (Cd_Bairro INTEGER)");
+  db_.Exec("INSERT INTO Arquivo.TbBairro VALUES (1, 'Arquivado')");
+  db_.Exec("INSERT INTO main.Arquivo VALUES (1)");
+  EXPECT_EQ(db_.Value("SELECT B.Nm_Bairro FROM Arquivo Z JOIN Arquivo.dbo.TbBairro B ON "
+                      "B.Cd_Bairro = Arquivo.Cd_Bairro"),
+            "Arquivado");
+  // Each branch of a compound is a scope of its own.
+  EXPECT_EQ(Column(db_.Run("SELECT TbBairro.Nm_Bairro FROM TbBairro A WHERE TbBairro.Cd_Bairro = 2 "
+                           "UNION ALL SELECT TbBairro.Nm_Bairro FROM TbBairro WHERE "
+                           "TbBairro.Cd_Bairro = 9 ORDER BY 1"),
+                   0),
+            "Barra|Setor Oeste");
+}
+
+TEST_F(SqliteTranslatorAddresses, SubQueriesLookQualifiersUpFromTheirOwnScopeOutwards) {
+  // Correlated: TbCidade inside is the outer query's C.
+  const Rows counts = db_.Run(
+      Lines({"SELECT TbCidade.Nm_Cidade,", "       (SELECT Count(*) FROM TbBairro",
+             "        WHERE  TbBairro.Cd_Cidade = TbCidade.Cd_Cidade) As Qt_Bairros",
+             "FROM   TbCidade C", "ORDER BY TbCidade.Nm_Cidade"}));
+  EXPECT_EQ(counts, (Rows{{"Brasília", "1"}, {"Goiânia", "3"}, {"Salvador", "1"}}));
+  // The sub-query's own alias, and the outer table by its real name.
+  EXPECT_EQ(Column(db_.Run(Lines({"SELECT C.Nm_Cidade FROM TbCidade C",
+                                  "WHERE EXISTS (SELECT 1 FROM TbBairro B",
+                                  "              WHERE TbBairro.Cd_Cidade = TbCidade.Cd_Cidade",
+                                  "                And TbBairro.Nm_Bairro Like 'S%')"})),
+                   0),
+            "Goiânia");
+  // A sub-query's alias that is the outer table's name shadows it.
+  EXPECT_EQ(Column(db_.Run(Lines({"SELECT TbBairro.Nm_Bairro FROM TbBairro A",
+                                  "WHERE TbBairro.Cd_Cidade IN (SELECT TbBairro.Cd_Cidade",
+                                  "                             FROM TbCidade TbBairro",
+                                  "                             WHERE TbBairro.Sg_UF = 'BA')"})),
+                   0),
+            "Barra");
+  // After the sub-query, whose TbBairro has no alias, the outer scope holds again.
+  EXPECT_EQ(db_.Value(Lines({"SELECT Count(*) FROM TbBairro A",
+                             "WHERE (SELECT Count(*) FROM TbBairro WHERE TbBairro.Cd_Cidade = "
+                             "A.Cd_Cidade) > 1",
+                             "  And TbBairro.Cd_Bairro <> 1"})),
+            "2");
+  // Many tables, by database and table name too, and a sub-query among them.
+  const Rows chain = db_.Run(Lines(
+      {"SELECT TbBairro.Nm_Bairro, main.dbo.TbCidade.Nm_Cidade, TbUF.Sg_UF, "
+       "TbCEP_TbLogradouro.Cd_EP",
+       "FROM   main.dbo.TbBairro A",
+       "       JOIN main.dbo.TbCidade C ON C.Cd_Cidade = TbBairro.Cd_Cidade",
+       "       JOIN main.dbo.TbUF U ON U.Cd_UF = TbCidade.Cd_UF",
+       "       JOIN main.dbo.TbLogradouro L ON L.Cd_Cidade = TbCidade.Cd_Cidade",
+       "       JOIN main.dbo.TbCEP_TbLogradouro P ON P.Cd_Logradouro = TbLogradouro.Cd_Logradouro",
+       "WHERE  TbBairro.Cd_Bairro IN (SELECT TbBairro.Cd_Bairro FROM TbBairro B",
+       "                              WHERE TbBairro.Nm_Bairro Like 'A%' And TbUF.Sg_UF = 'DF')",
+       "ORDER BY main.TbCidade.Nm_Cidade, TbBairro.Nm_Bairro"}));
+  EXPECT_EQ(chain, (Rows{{"Asa Sul", "Brasília", "DF", "70000-000"}}));
+  // A branch of a compound does not see the branch before it.
+  EXPECT_EQ(Column(db_.Run(Lines({"SELECT TbBairro.Nm_Bairro FROM TbBairro A",
+                                  "WHERE EXISTS (SELECT 1 FROM TbCidade TbBairro WHERE "
+                                  "TbBairro.Cd_Cidade = 99",
+                                  "              UNION ALL",
+                                  "              SELECT 1 FROM TbCidade C WHERE C.Cd_Cidade = "
+                                  "TbBairro.Cd_Cidade And C.Sg_UF = 'DF')"})),
+                   0),
+            "Asa Sul");
+}
+
+TEST_F(SqliteTranslatorAddresses, DeleteAndUpdateQualifyByTheRealNameToo) {
+  db_.Run("UPDATE TbCidade SET Nm_Cidade = Upper(Nm_Cidade) FROM TbUF U WHERE U.Cd_UF = "
+          "TbCidade.Cd_UF And TbUF.Sg_UF = 'DF'");
+  EXPECT_EQ(db_.Value("SELECT Nm_Cidade FROM TbCidade WHERE Cd_Cidade = 4"), "BRASÍLIA");
+  db_.Run("DELETE FROM TbBairro A WHERE TbBairro.Cd_Bairro = 9");
+  db_.Run(Lines({"DELETE TbBairro", "FROM   TbBairro A JOIN TbCidade C ON C.Cd_Cidade = "
+                 "TbBairro.Cd_Cidade",
+                 "WHERE  TbCidade.Sg_UF = 'DF'"}));
+  EXPECT_EQ(Column(db_.Run("SELECT Cd_Bairro FROM TbBairro ORDER BY 1"), 0), "1|2|5");
+}
+
 // ---- DELETE, UPDATE, INSERT -----------------------------------------------------------
 
 TEST_F(SqliteTranslator, DeleteForms) {
@@ -930,6 +1107,37 @@ TEST_F(SqliteTranslator, SeveralStatementsTranslateOneByOne) {
   EXPECT_EQ(rows[1][0], "2026-11-21 10:30:15");
   db_.Exec(TranslateToSqlite("BEGIN TRAN; DELETE FROM T; ROLLBACK TRAN"));
   EXPECT_EQ(db_.Value("SELECT count(*) FROM T"), "2");
+}
+
+TEST(SqliteStringLiteralValue, IsTheTextTheTranslationWritesBetweenQuotes) {
+  const std::vector<Token> tokens = Tokenize(
+      "'21/11/2026' N'2026-11-21 10:30' '1/2/2027 7:05:09' '2026-11-21 10:30:15.250' 'it''s' "
+      "N'Ação' '74000-000' '31/02/2026' ' 21/11/2026' '' 5 [x]");
+  ASSERT_EQ(tokens.size(), 23u);
+  const auto value = [&](size_t i) { return SqliteStringLiteralValue(tokens[i * 2]); };
+  const auto is_date = [&](size_t i) { return IsSqliteDateLiteral(tokens[i * 2]); };
+  EXPECT_EQ(value(0), "2026-11-21 00:00:00");
+  EXPECT_EQ(value(1), "2026-11-21 10:30:00");
+  EXPECT_EQ(value(2), "2027-02-01 07:05:09");  // day first
+  EXPECT_EQ(value(3), "2026-11-21 10:30:15.250");
+  EXPECT_EQ(value(4), "it's");
+  EXPECT_EQ(value(5), "Ação");
+  EXPECT_EQ(value(6), "74000-000");   // a postcode, not a date
+  EXPECT_EQ(value(7), "31/02/2026");  // no such day
+  EXPECT_EQ(value(8), " 21/11/2026");
+  EXPECT_EQ(value(9), "");
+  EXPECT_EQ(value(10), "");  // a number stands for no text
+  EXPECT_EQ(value(11), "");
+  for (size_t i = 0; i < 4; ++i) EXPECT_TRUE(is_date(i)) << i;
+  for (size_t i = 4; i < 12; ++i) EXPECT_FALSE(is_date(i)) << i;
+  // The translation writes exactly that value.
+  for (size_t i = 0; i < 10; ++i) {
+    std::string quoted = "'";
+    for (char c : value(i)) quoted += c == '\'' ? std::string("''") : std::string(1, c);
+    EXPECT_EQ(TranslateToSqlite("SELECT " + std::string(tokens[i * 2].text)),
+              "SELECT " + quoted + "'")
+        << i;
+  }
 }
 
 TEST_F(SqliteTranslator, UnsupportedConstructsRaiseClearErrors) {
