@@ -26,10 +26,13 @@ int64_t FloorDiv(int64_t a, int64_t b) {
 
 int64_t FloorMod(int64_t a, int64_t b) { return a - FloorDiv(a, b) * b; }
 
+}  // namespace
+
 bool IsLeapYear(int64_t year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
 
 int32_t DaysInMonth(int64_t year, int64_t month) {
   static constexpr int32_t kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (month < 1 || month > 12) return 0;
   if (month == 2 && IsLeapYear(year)) return 29;
   return kDays[month - 1];
 }
@@ -45,13 +48,7 @@ int64_t SerialFromCivil(int64_t year, int64_t month, int64_t day) {
   return era * 146097 + day_of_era - kMarchZeroTo1970 + kSerialOf1970;
 }
 
-struct Civil {
-  int64_t year;
-  int32_t month;
-  int32_t day;
-};
-
-Civil CivilFromSerial(int64_t serial) {
+CivilDay CivilFromSerial(int64_t serial) {
   const int64_t z = serial - kSerialOf1970 + kMarchZeroTo1970;
   const int64_t era = FloorDiv(z, 146097);
   const int64_t day_of_era = z - era * 146097;
@@ -64,6 +61,8 @@ Civil CivilFromSerial(int64_t serial) {
   return {year_of_era + era * 400 + (month <= 2 ? 1 : 0), static_cast<int32_t>(month),
           static_cast<int32_t>(day)};
 }
+
+namespace {
 
 // The runtime keeps a negative date's time of day as the absolute fraction:
 // -1.25 is 29 December 1899 at 06:00.
@@ -124,7 +123,7 @@ std::string AsciiLower(std::string_view text) {
 
 Date AddMonths(Date date, int64_t months) {
   const DayAndTime parts = SplitSerial(date.Serial());
-  const Civil civil = CivilFromSerial(parts.day);
+  const CivilDay civil = CivilFromSerial(parts.day);
   const int64_t total = civil.year * 12 + (civil.month - 1) + months;
   const int64_t year = FloorDiv(total, 12);
   const int64_t month = FloorMod(total, 12) + 1;
@@ -225,7 +224,7 @@ std::optional<int64_t> ValidDay(int32_t year, int32_t month, int32_t day) {
 
 DateParts SplitDate(Date date) {
   const DayAndSecond rounded = RoundToSecond(date);
-  const Civil civil = CivilFromSerial(rounded.day);
+  const CivilDay civil = CivilFromSerial(rounded.day);
   DateParts parts;
   parts.year = static_cast<int32_t>(civil.year);
   parts.month = civil.month;

@@ -40,6 +40,19 @@ struct DateParts {
 };
 DateParts SplitDate(Date date);
 
+// Exact calendar arithmetic (proleptic Gregorian): the serial of a civil day
+// and back, for any year.
+struct CivilDay {
+  int64_t year;
+  int32_t month;
+  int32_t day;
+};
+int64_t SerialFromCivil(int64_t year, int64_t month, int64_t day);
+CivilDay CivilFromSerial(int64_t serial);
+bool IsLeapYear(int64_t year);
+// 0 for a month outside 1 to 12.
+int32_t DaysInMonth(int64_t year, int64_t month);
+
 // Year 0-29 means 2000-2029 and 30-99 means 1930-1999; months and days out of
 // range roll over into the neighbouring months and years. A result outside
 // years 100 to 9999 raises error 5.

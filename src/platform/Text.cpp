@@ -5,8 +5,30 @@
 namespace vek {
 namespace {
 
-// Decodes one character at `pos`, advancing it. Invalid sequences yield the
-// first byte as a Latin-1 character.
+// Byte offset of the character at 0-based index `chars`, or text.size().
+size_t ByteOffset(std::string_view text, int64_t chars) {
+  size_t pos = 0;
+  while (chars > 0 && pos < text.size()) {
+    NextCodePoint(text, pos);
+    --chars;
+  }
+  return pos;
+}
+
+bool IsLatinExtendedA(char32_t c) { return c >= 0x100 && c <= 0x17F; }
+
+constexpr unsigned char AsciiLower(unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 0x20 : c; }
+
+std::string MapCase(std::string_view text, char32_t (*map)(char32_t)) {
+  std::string out;
+  out.reserve(text.size());
+  size_t pos = 0;
+  while (pos < text.size()) AppendUtf8(out, map(NextCodePoint(text, pos)));
+  return out;
+}
+
+}  // namespace
+
 char32_t NextCodePoint(std::string_view text, size_t& pos) {
   const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char lead = byte(pos);
@@ -48,30 +70,6 @@ char32_t NextCodePoint(std::string_view text, size_t& pos) {
   pos += extra + 1;
   return value;
 }
-
-// Byte offset of the character at 0-based index `chars`, or text.size().
-size_t ByteOffset(std::string_view text, int64_t chars) {
-  size_t pos = 0;
-  while (chars > 0 && pos < text.size()) {
-    NextCodePoint(text, pos);
-    --chars;
-  }
-  return pos;
-}
-
-bool IsLatinExtendedA(char32_t c) { return c >= 0x100 && c <= 0x17F; }
-
-constexpr unsigned char AsciiLower(unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 0x20 : c; }
-
-std::string MapCase(std::string_view text, char32_t (*map)(char32_t)) {
-  std::string out;
-  out.reserve(text.size());
-  size_t pos = 0;
-  while (pos < text.size()) AppendUtf8(out, map(NextCodePoint(text, pos)));
-  return out;
-}
-
-}  // namespace
 
 std::u32string DecodeUtf8(std::string_view text) {
   std::u32string out;

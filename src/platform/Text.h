@@ -11,6 +11,9 @@
 namespace vek {
 
 // ---- UTF-8 helpers -------------------------------------------------------
+// The character at byte `pos`, advancing `pos` past it; an invalid sequence
+// yields its first byte as a Latin-1 character.
+char32_t NextCodePoint(std::string_view text, size_t& pos);
 std::u32string DecodeUtf8(std::string_view text);
 std::string EncodeUtf8(std::u32string_view text);
 void AppendUtf8(std::string& out, char32_t code_point);

@@ -1,24 +1,15 @@
 #include "vek/db/dialect/DateText.h"
 
+#include "vek/platform/Date.h"
+
 #include <algorithm>
 #include <iterator>
 
 namespace vek::dialect {
 namespace {
 
-bool IsLeapYear(int64_t year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
-
-// Days from 1970-01-01; exact for any proleptic Gregorian date.
-constexpr int64_t DaysFromCivil(int64_t year, int64_t month, int64_t day) {
-  year -= month <= 2 ? 1 : 0;
-  const int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const int64_t year_of_era = year - era * 400;
-  const int64_t day_of_year = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-  const int64_t day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
-  return era * 146097 + day_of_era - 719468;
-}
-
-constexpr int64_t kDayOfYearOne = DaysFromCivil(1, 1, 1);
+// Day numbers count from 0001-01-01; the calendar itself is the platform's.
+const int64_t kSerialOfYearOne = SerialFromCivil(1, 1, 1);
 
 class Reader {
  public:
@@ -101,15 +92,10 @@ void AppendPadded(std::string& out, int64_t value, int width) {
 
 }  // namespace
 
-int32_t DaysInMonth(int32_t year, int32_t month) {
-  static constexpr int32_t kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  if (month < 1 || month > 12) return 0;
-  if (month == 2 && IsLeapYear(year)) return 29;
-  return kDays[month - 1];
-}
+int32_t DaysInMonth(int32_t year, int32_t month) { return vek::DaysInMonth(year, month); }
 
 int64_t DayNumber(int32_t year, int32_t month, int32_t day) {
-  return DaysFromCivil(year, month, day) - kDayOfYearOne;
+  return SerialFromCivil(year, month, day) - kSerialOfYearOne;
 }
 
 int64_t MomentOf(const DateTimeParts& parts) {
@@ -121,23 +107,12 @@ std::optional<DateTimeParts> PartsOf(int64_t moment) {
   if (moment < 0) return std::nullopt;
   const int64_t days = moment / kMillisecondsPerDay;
   int64_t ms = moment % kMillisecondsPerDay;
-  // Civil date from days since 1970 (the inverse of DaysFromCivil).
-  const int64_t z = days + kDayOfYearOne + 719468;
-  const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const int64_t day_of_era = z - era * 146097;
-  const int64_t year_of_era =
-      (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
-  const int64_t day_of_year =
-      day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
-  const int64_t shifted_month = (5 * day_of_year + 2) / 153;
-  const int64_t day = day_of_year - (153 * shifted_month + 2) / 5 + 1;
-  const int64_t month = shifted_month < 10 ? shifted_month + 3 : shifted_month - 9;
-  const int64_t year = year_of_era + era * 400 + (month <= 2 ? 1 : 0);
-  if (year < 1 || year > 9999) return std::nullopt;
+  const CivilDay civil = CivilFromSerial(days + kSerialOfYearOne);
+  if (civil.year < 1 || civil.year > 9999) return std::nullopt;
   DateTimeParts parts;
-  parts.year = static_cast<int32_t>(year);
-  parts.month = static_cast<int32_t>(month);
-  parts.day = static_cast<int32_t>(day);
+  parts.year = static_cast<int32_t>(civil.year);
+  parts.month = civil.month;
+  parts.day = civil.day;
   parts.millisecond = static_cast<int32_t>(ms % 1000);
   ms /= 1000;
   parts.second = static_cast<int32_t>(ms % 60);

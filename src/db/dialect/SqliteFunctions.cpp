@@ -32,55 +32,10 @@ constexpr const char* kDateConversionFailed =
     "Conversion failed when converting date and/or time from character string.";
 constexpr const char* kDateOverflow = "Adding a value to a 'datetime' column caused an overflow.";
 
-// ---- UTF-8 -------------------------------------------------------------
-
-// One character at `pos`, advancing it; bytes that are not UTF-8 read as the
-// Latin-1 character of the same code, as everywhere in the library.
-char32_t NextChar(std::string_view text, size_t& pos) {
-  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(pos);
-  if (lead < 0x80) {
-    ++pos;
-    return lead;
-  }
-  size_t extra = 0;
-  char32_t value = 0;
-  if ((lead & 0xE0) == 0xC0) {
-    extra = 1;
-    value = lead & 0x1F;
-  } else if ((lead & 0xF0) == 0xE0) {
-    extra = 2;
-    value = lead & 0x0F;
-  } else if ((lead & 0xF8) == 0xF0) {
-    extra = 3;
-    value = lead & 0x07;
-  } else {
-    ++pos;
-    return lead;
-  }
-  if (pos + extra >= text.size()) {
-    ++pos;
-    return lead;
-  }
-  for (size_t i = 1; i <= extra; ++i) {
-    if ((byte(pos + i) & 0xC0) != 0x80) {
-      ++pos;
-      return lead;
-    }
-    value = (value << 6) | (byte(pos + i) & 0x3F);
-  }
-  static constexpr char32_t kMinimum[] = {0, 0x80, 0x800, 0x10000};
-  if (value < kMinimum[extra] || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) {
-    ++pos;
-    return lead;
-  }
-  pos += extra + 1;
-  return value;
-}
 
 int64_t CountChars(std::string_view text) {
   int64_t count = 0;
-  for (size_t pos = 0; pos < text.size(); ++count) NextChar(text, pos);
+  for (size_t pos = 0; pos < text.size(); ++count) NextCodePoint(text, pos);
   return count;
 }
 
@@ -88,7 +43,7 @@ int64_t CountChars(std::string_view text) {
 size_t OffsetOfChar(std::string_view text, int64_t index) {
   size_t pos = 0;
   while (index > 0 && pos < text.size()) {
-    NextChar(text, pos);
+    NextCodePoint(text, pos);
     --index;
   }
   return pos;
@@ -162,7 +117,7 @@ LikePattern CompileLike(std::string_view pattern, char32_t escape) {
   compiled.escape = escape;
   size_t pos = 0;
   while (pos < pattern.size()) {
-    char32_t c = NextChar(pattern, pos);
+    char32_t c = NextCodePoint(pattern, pos);
     LikeElement element;
     if (escape != 0 && c == escape) {
       if (pos >= pattern.size()) {
@@ -172,7 +127,7 @@ LikePattern CompileLike(std::string_view pattern, char32_t escape) {
         compiled.elements.push_back(element);
         break;
       }
-      element.folded = LowerChar(NextChar(pattern, pos));
+      element.folded = LowerChar(NextCodePoint(pattern, pos));
     } else if (c == '%') {
       if (!compiled.elements.empty() && compiled.elements.back().kind == LikeElement::Kind::Many)
         continue;
@@ -188,11 +143,11 @@ LikePattern CompileLike(std::string_view pattern, char32_t escape) {
         ++inner;
       }
       while (inner < pattern.size() && pattern[inner] != ']') {
-        const char32_t low = NextChar(pattern, inner);
+        const char32_t low = NextCodePoint(pattern, inner);
         char32_t high = low;
         if (inner + 1 < pattern.size() && pattern[inner] == '-' && pattern[inner + 1] != ']') {
           ++inner;
-          high = NextChar(pattern, inner);
+          high = NextCodePoint(pattern, inner);
         }
         compiled.ranges.emplace_back(low, high);
       }
@@ -245,7 +200,7 @@ bool MatchLike(const LikePattern& pattern, std::string_view value) {
     }
     if (i < count && j < value.size()) {
       size_t next = j;
-      const char32_t c = NextChar(value, next);
+      const char32_t c = NextCodePoint(value, next);
       if (ElementMatches(pattern, elements[i], c)) {
         ++i;
         j = next;
@@ -253,7 +208,7 @@ bool MatchLike(const LikePattern& pattern, std::string_view value) {
       }
     }
     if (star_i == std::string_view::npos || star_j >= value.size()) return false;
-    NextChar(value, star_j);
+    NextCodePoint(value, star_j);
     i = star_i + 1;
     j = star_j;
   }
@@ -737,7 +692,7 @@ std::vector<char32_t> FoldedChars(std::string_view text, std::vector<size_t>* of
   size_t pos = 0;
   while (pos < text.size()) {
     if (offsets != nullptr) offsets->push_back(pos);
-    chars.push_back(LowerChar(NextChar(text, pos)));
+    chars.push_back(LowerChar(NextCodePoint(text, pos)));
   }
   if (offsets != nullptr) offsets->push_back(text.size());
   return chars;
@@ -836,7 +791,7 @@ void Like(sqlite3_context* context, int argc, sqlite3_value** argv) {
     if (IsNull(argv[2])) return sqlite3_result_null(context);
     const std::string_view text = TextOf(argv[2]);
     size_t pos = 0;
-    if (!text.empty()) escape = NextChar(text, pos);
+    if (!text.empty()) escape = NextCodePoint(text, pos);
     if (text.empty() || pos != text.size())
       throw SqlFailure{"ESCAPE expression must be a single character"};
   }
@@ -897,8 +852,8 @@ int CompareSqlServerText(std::string_view a, std::string_view b) {
   size_t i = 0;
   size_t j = 0;
   while (i < a.size() && j < b.size()) {
-    const Weight wa = WeightOf(NextChar(a, i));
-    const Weight wb = WeightOf(NextChar(b, j));
+    const Weight wa = WeightOf(NextCodePoint(a, i));
+    const Weight wb = WeightOf(NextCodePoint(b, j));
     if (wa.primary != wb.primary) return wa.primary < wb.primary ? -1 : 1;
   }
   if (i < a.size()) return 1;
@@ -906,8 +861,8 @@ int CompareSqlServerText(std::string_view a, std::string_view b) {
   i = 0;
   j = 0;
   while (i < a.size() && j < b.size()) {
-    const Weight wa = WeightOf(NextChar(a, i));
-    const Weight wb = WeightOf(NextChar(b, j));
+    const Weight wa = WeightOf(NextCodePoint(a, i));
+    const Weight wb = WeightOf(NextCodePoint(b, j));
     if (wa.secondary != wb.secondary) return wa.secondary < wb.secondary ? -1 : 1;
   }
   return 0;
@@ -922,12 +877,12 @@ void RegisterSqlServerFunctions(sqlite3* db, std::function<vek::Date()> now) {
     throw VekError(kUnspecifiedError, "SQLite", "No database connection to register on");
   if (!now) throw VekError(kUnspecifiedError, "SQLite", "No clock to read the server's date from");
 
-  struct Spec {
+  struct FunctionEntry {
     const char* name;
     int args;
     Body body;
   };
-  static constexpr Spec kFunctions[] = {
+  static constexpr FunctionEntry kFunctions[] = {
       {"vek_datediff", 3, &Guarded<DateDiffFunction>},
       {"vek_dateadd", 3, &Guarded<DateAddFunction>},
       {"vek_datepart", 2, &Guarded<DatePartFunction>},
@@ -952,8 +907,8 @@ void RegisterSqlServerFunctions(sqlite3* db, std::function<vek::Date()> now) {
       {"like", 3, &Guarded<Like>},
   };
   const int pure = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
-  for (const Spec& spec : kFunctions) {
-    Check(db, sqlite3_create_function_v2(db, spec.name, spec.args, pure, nullptr, spec.body,
+  for (const FunctionEntry& entry : kFunctions) {
+    Check(db, sqlite3_create_function_v2(db, entry.name, entry.args, pure, nullptr, entry.body,
                                          nullptr, nullptr, nullptr));
   }
   // The clock is owned by SQLite from here on and freed with the connection.
