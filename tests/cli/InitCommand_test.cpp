@@ -4,33 +4,20 @@
 #include "vek/vek.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <functional>
-#include <optional>
-#include <random>
 #include <sstream>
 #include <string>
 
+#include "support/TestSupport.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/cgdSistema.h"
-#include "vek/platform/AppPath.h"
 
 namespace vek {
 namespace {
 
 namespace fs = std::filesystem;
-
-VekError ErrorOf(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const VekError& error) {
-    return error;
-  }
-  return VekError(0, "", "nothing was raised");
-}
+using testing::ErrorOf;
 
 std::string FirstValue(Connection& connection, const std::string& statement) {
   auto rows = connection.Execute(statement);
@@ -40,27 +27,8 @@ std::string FirstValue(Connection& connection, const std::string& statement) {
 // Each test works in a scratch folder, with the settings store inside it.
 class InitCommandTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    std::random_device random;
-    scratch_ = fs::temp_directory_path() /
-               ("vek_init_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(scratch_);
-    if (const char* old = std::getenv("XDG_CONFIG_HOME")) old_xdg_ = old;
-    ::setenv("XDG_CONFIG_HOME", (scratch_ / "config").c_str(), 1);
-  }
-  void TearDown() override {
-    SetAppPath({});
-    if (old_xdg_) {
-      ::setenv("XDG_CONFIG_HOME", old_xdg_->c_str(), 1);
-    } else {
-      ::unsetenv("XDG_CONFIG_HOME");
-    }
-    std::error_code error;
-    fs::remove_all(scratch_, error);
-  }
-
-  fs::path scratch_;
-  std::optional<std::string> old_xdg_;
+  testing::ScratchApp app_;
+  const fs::path scratch_ = app_.Path();
 };
 
 TEST_F(InitCommandTest, MakesAFolderWhoseSettingsLoadAndWhoseDatabasesHaveTheirRows) {

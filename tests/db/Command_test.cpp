@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "db/DbTestSupport.h"
+#include "support/TestSupport.h"
 #include "vek/db/DbError.h"
 
 namespace vek {

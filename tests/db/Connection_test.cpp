@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "db/DbTestSupport.h"
+#include "support/TestSupport.h"
 #include "vek/db/DbError.h"
 #include "vek/platform/Clock.h"
 

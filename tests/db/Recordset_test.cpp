@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "db/DbTestSupport.h"
+#include "support/TestSupport.h"
 #include "vek/db/DbError.h"
 
 namespace vek {
@@ -30,7 +30,8 @@ class RecordsetTest : public ::testing::Test {
   std::shared_ptr<Connection> connection_;
 };
 
-TEST_F(RecordsetTest, EmptyRecordSetIsAtBothBofAndEof) {
+TEST_F(RecordsetTest, MovingThroughNoneOneAndTwoRows) {
+  // An empty record set is at both BOF and EOF.
   auto recordset = OpenForUpdate("SELECT A.* FROM TbBairro A WHERE A.Cd_Bairro = 0");
   EXPECT_EQ(recordset->State(), adStateOpen);
   EXPECT_EQ(recordset->RecordCount(), 0);
@@ -43,9 +44,7 @@ TEST_F(RecordsetTest, EmptyRecordSetIsAtBothBofAndEof) {
   recordset->Close();
   EXPECT_EQ(recordset->State(), adStateClosed);
   EXPECT_EQ(ErrorOf([&] { recordset->Close(); }).Number(), 3704);
-}
 
-TEST_F(RecordsetTest, MovingThroughOneAndTwoRows) {
   connection_->Execute("INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro) VALUES (1, 'Centro')");
   auto one = connection_->Execute("SELECT Nm_Bairro FROM TbBairro");
   EXPECT_EQ(one->RecordCount(), 1);

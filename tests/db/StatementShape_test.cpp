@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "db/DbTestSupport.h"
+#include "support/TestSupport.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 
 namespace vek {

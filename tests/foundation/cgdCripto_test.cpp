@@ -1,34 +1,17 @@
 #include "vek/foundation/cgdCripto.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <functional>
-#include <optional>
-#include <random>
 #include <string>
 
-#include "vek/foundation/VekError.h"
+#include "support/TestSupport.h"
 #include "vek/foundation/cgdSistema.h"
-#include "vek/platform/AppPath.h"
 #include "vek/platform/ProfileFile.h"
 
 namespace vek {
 namespace {
 
-namespace fs = std::filesystem;
-
-VekError Caught(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const VekError& error) {
-    return error;
-  }
-  ADD_FAILURE() << "no error was raised";
-  return VekError(0, "", "");
-}
+using testing::ErrorOf;
 
 TEST(cgdCripto, CriptoWritesThreeUpperCaseHexDigitsPerCharacter) {
   EXPECT_EQ(Cripto("Ab"), "041062");
@@ -40,53 +23,31 @@ TEST(cgdCripto, CriptoWritesThreeUpperCaseHexDigitsPerCharacter) {
   EXPECT_EQ(Cripto("ő"), "151");
   // A second text means nothing is encoded.
   EXPECT_EQ(Cripto("A", "x"), "");
-  EXPECT_EQ(Cripto("", "x"), "");
 }
 
 TEST(cgdCripto, DesCriptoUndoesCripto) {
-  EXPECT_EQ(DesCripto("041062"), "Ab");
   for (const std::string text : {"", "Ação é ótima", "senha 123", "ÿ~ő", " a "}) {
     EXPECT_EQ(DesCripto(Cripto(text)), text) << text;
   }
   EXPECT_EQ(DesCripto("0e7"), "ç");
   // A short last group is read as it is.
   EXPECT_EQ(DesCripto("04106"), std::string("A\x06"));
-  EXPECT_EQ(DesCripto("04141"), "AA");
   EXPECT_EQ(DesCripto("041062", "x"), "");
 }
 
 TEST(cgdCripto, CodesThatDoNotFitAndGroupsThatAreNotHexRaiseThroughTheChain) {
-  const VekError wide = Caught([] { Cripto("a€"); });
+  const VekError wide = ErrorOf([] { Cripto("a€"); });
   EXPECT_EQ(wide.Number(), kInvalidProcedureCall);
   EXPECT_EQ(wide.Source(), " -> cgdCripto.Cripto, ");
 
-  const VekError bad_group = Caught([] { DesCripto("0410G2"); });
+  const VekError bad_group = ErrorOf([] { DesCripto("0410G2"); });
   EXPECT_EQ(bad_group.Number(), kTypeMismatch);
   EXPECT_EQ(bad_group.Source(), " -> cgdCripto.DesCripto, ");
-  EXPECT_EQ(Caught([] { DesCripto("-01"); }).Number(), kTypeMismatch);
+  EXPECT_EQ(ErrorOf([] { DesCripto("-01"); }).Number(), kTypeMismatch);
 }
 
 class ConfigurarVariaveisConexaoTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    std::random_device random;
-    folder_ = fs::temp_directory_path() /
-              ("vek_cripto_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(folder_);
-    if (const char* old = std::getenv("XDG_CONFIG_HOME")) old_xdg_ = old;
-    ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
-    SetAppPath(folder_);
-  }
-  void TearDown() override {
-    SetAppPath({});
-    if (old_xdg_) {
-      ::setenv("XDG_CONFIG_HOME", old_xdg_->c_str(), 1);
-    } else {
-      ::unsetenv("XDG_CONFIG_HOME");
-    }
-    std::error_code error;
-    fs::remove_all(folder_, error);
-  }
 
   // Saves a session whose own cursor and lock differ from what the loaders get.
   std::shared_ptr<cgpSistema> SaveSession(int32_t kind) {
@@ -100,13 +61,11 @@ class ConfigurarVariaveisConexaoTest : public ::testing::Test {
     cgdSistema sistema;
     sistema.Ob_cgp(session);
     sistema.Salvar();
-    WritePrivateProfileString("VisualizadorViagens", "Qt_TempoMilesegundosAcionarCatraca", "0",
-                              folder_ / "Vek.ini");
+    WritePrivateProfileString("VisualizadorViagens", "Qt_TempoMilesegundosAcionarCatraca", "0", app_.Ini());
     return session;
   }
 
-  fs::path folder_;
-  std::optional<std::string> old_xdg_;
+  testing::ScratchApp app_;
 };
 
 TEST_F(ConfigurarVariaveisConexaoTest, LoadersGetKeysetOptimisticAndTheSessionsConnection) {
@@ -125,7 +84,7 @@ TEST_F(ConfigurarVariaveisConexaoTest, LoadersGetKeysetOptimisticAndTheSessionsC
 
 TEST_F(ConfigurarVariaveisConexaoTest, FailuresCarryTheWholeChain) {
   DataControlSettings target;
-  const VekError no_file = Caught([&] { ConfigurarVariaveisConexao(target); });
+  const VekError no_file = ErrorOf([&] { ConfigurarVariaveisConexao(target); });
   EXPECT_EQ(no_file.Number(), kTypeMismatch);
   EXPECT_EQ(no_file.Source(),
             " -> cgdSistema.Consultar,  -> cgdCripto.ConfigurarVariaveisConexao, ");
@@ -139,7 +98,7 @@ TEST_F(ConfigurarVariaveisConexaoTest, FailuresCarryTheWholeChain) {
                                        {"Cursor", PropertyType::Long},
                                        {"LockType", PropertyType::Long}})) {}
   } partial;
-  const VekError missing = Caught([&] { ConfigurarVariaveisConexao(partial); });
+  const VekError missing = ErrorOf([&] { ConfigurarVariaveisConexao(partial); });
   EXPECT_EQ(missing.Number(), kObjectDoesNotSupportProperty);
   EXPECT_EQ(missing.Source(), " -> cgdCripto.ConfigurarVariaveisConexao, ");
   EXPECT_EQ(partial.Get("LockType"), Variant(int32_t{3}));

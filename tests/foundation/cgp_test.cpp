@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
-#include "vek/foundation/VekError.h"
+#include "support/TestSupport.h"
 
 namespace vek {
 namespace {
@@ -22,14 +20,7 @@ class cgpTeste : public cgp {
             {"Ob_Qualquer", PropertyType::Variant}})) {}
 };
 
-int32_t ErrorNumberOf(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const VekError& error) {
-    return error.Number();
-  }
-  return 0;
-}
+using testing::ErrorOf;
 
 TEST(cgp, PropertiesAreReadAndWrittenByNameInAnyCaseAndTakeTheirType) {
   cgpTeste record;
@@ -52,11 +43,11 @@ TEST(cgp, PropertiesAreReadAndWrittenByNameInAnyCaseAndTakeTheirType) {
 TEST(cgp, UnknownNamesAndRefusedValuesRaiseTheClassicErrors) {
   cgpTeste record;
   record.Let("Cd_Bairro", Variant(5));
-  EXPECT_EQ(ErrorNumberOf([&] { record.Get("Cd_Cidade"); }), 438);
-  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Cd_Cidade", Variant(1)); }), 438);
-  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Cd_Bairro", Variant("abc")); }), 13);
-  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Nm_Bairro", Variant::Null()); }), 13);
-  EXPECT_EQ(ErrorNumberOf([&] { record.Let("Qt_Vagas", Variant(40000)); }), 6);
+  EXPECT_EQ(ErrorOf([&] { record.Get("Cd_Cidade"); }).Number(), 438);
+  EXPECT_EQ(ErrorOf([&] { record.Let("Cd_Cidade", Variant(1)); }).Number(), 438);
+  EXPECT_EQ(ErrorOf([&] { record.Let("Cd_Bairro", Variant("abc")); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([&] { record.Let("Nm_Bairro", Variant::Null()); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([&] { record.Let("Qt_Vagas", Variant(40000)); }).Number(), 6);
   // A refused value leaves the property as it was.
   EXPECT_EQ(record.Get("Cd_Bairro"), Variant(5));
   EXPECT_FALSE(record.HasProperty("Cd_Cidade"));
@@ -85,7 +76,7 @@ TEST(cgp, ListsForCatalogueTablesCarryTheColumnsAndTheExtras) {
   EXPECT_EQ(list->At(list->IndexOf("Cd_Bairro")).type, PropertyType::Long);
   EXPECT_EQ(list->At(list->IndexOf("Nm_Bairro")).type, PropertyType::String);
   EXPECT_EQ(list->IndexOf("Qt_Extra"), list->Count() - 1);
-  EXPECT_EQ(ErrorNumberOf([] { PropertyList::ForTable("TbNada"); }), 5);
+  EXPECT_EQ(ErrorOf([] { PropertyList::ForTable("TbNada"); }).Number(), 5);
 }
 
 }  // namespace

@@ -2,54 +2,26 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
-#include <optional>
-#include <string>
 #include <thread>
 #include <vector>
 
+#include "support/TestSupport.h"
 #include "vek/platform/AppPath.h"
 
 namespace vek {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::EnvGuard;
 
 constexpr double kSecond = 1.0 / 86400.0;
-
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    if (value == nullptr) {
-      ::unsetenv(name);
-    } else {
-      ::setenv(name, value, 1);
-    }
-  }
-  ~ScopedEnv() {
-    if (old_) {
-      ::setenv(name_, old_->c_str(), 1);
-    } else {
-      ::unsetenv(name_);
-    }
-  }
-  ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
-};
 
 TEST(ClockTest, FixedClockMovesOnlyWhenTold) {
   const Date start(45356.125);  // 5 Mar 2024 03:00
   FixedClock clock(start);
   const Clock& as_clock = clock;
-  EXPECT_EQ(as_clock.Now(), start);
   EXPECT_EQ(as_clock.Now(), start);
 
   clock.Advance(90);
@@ -71,26 +43,17 @@ TEST(ClockTest, FixedClockMovesOnlyWhenTold) {
 }
 
 TEST(ClockTest, SystemClockReadsLocalWallTime) {
-  std::optional<std::string> old_tz;
-  if (const char* tz = std::getenv("TZ")) old_tz = tz;
   const SystemClock clock;
   const auto utc_serial = [] { return std::time(nullptr) / 86400.0 + 25569.0; };
-
-  ::setenv("TZ", "UTC0", 1);
-  ::tzset();
-  double expected = utc_serial();
-  EXPECT_NEAR(clock.Now().Serial(), expected, 2 * kSecond);
-
-  // Three hours west of Greenwich, no summer time.
-  ::setenv("TZ", "<-03>3", 1);
-  ::tzset();
-  expected = utc_serial() - 3.0 / 24.0;
-  EXPECT_NEAR(clock.Now().Serial(), expected, 2 * kSecond);
-
-  if (old_tz) {
-    ::setenv("TZ", old_tz->c_str(), 1);
-  } else {
-    ::unsetenv("TZ");
+  {
+    EnvGuard tz("TZ", "UTC0");
+    ::tzset();
+    EXPECT_NEAR(clock.Now().Serial(), utc_serial(), 2 * kSecond);
+  }
+  {
+    EnvGuard tz("TZ", "<-03>3");  // three hours west of Greenwich, no summer time
+    ::tzset();
+    EXPECT_NEAR(clock.Now().Serial(), utc_serial() - 3.0 / 24.0, 2 * kSecond);
   }
   ::tzset();
 }
@@ -99,15 +62,15 @@ TEST(AppPathTest, SetPathWinsOverVekHomeWhichWinsOverExecutableFolder) {
   const fs::path executable_folder = fs::read_symlink("/proc/self/exe").parent_path();
   SetAppPath({});
   {
-    ScopedEnv home("VEK_HOME", nullptr);
+    EnvGuard home("VEK_HOME", nullptr);
     EXPECT_EQ(AppPath(), executable_folder);
   }
   {
-    ScopedEnv home("VEK_HOME", "");
+    EnvGuard home("VEK_HOME", "");
     EXPECT_EQ(AppPath(), executable_folder);
   }
   {
-    ScopedEnv home("VEK_HOME", "/opt/vek");
+    EnvGuard home("VEK_HOME", "/opt/vek");
     EXPECT_EQ(AppPath(), fs::path("/opt/vek"));
     SetAppPath("/srv/terminal");
     EXPECT_EQ(AppPath(), fs::path("/srv/terminal"));

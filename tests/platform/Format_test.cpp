@@ -7,23 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "vek/foundation/VekError.h"
-#include "vek/platform/Locale.h"
+#include "support/TestSupport.h"
 
 namespace vek {
 namespace {
 
-const Locale kDotLocale{".", ","};
-const Locale kBrazilLocale{",", "."};
-
-class LocaleGuard {
- public:
-  explicit LocaleGuard(Locale locale) : saved_(CurrentLocale()) { SetLocale(std::move(locale)); }
-  ~LocaleGuard() { SetLocale(saved_); }
-
- private:
-  Locale saved_;
-};
+using testing::ErrorOf;
+using testing::kBrazilLocale;
+using testing::kDotLocale;
+using testing::LocaleGuard;
 
 struct Case {
   Variant value;
@@ -57,15 +49,12 @@ TEST(Format, GroupedWholeNumbers) {
       {1234.5, "###,###,##0", "1,235", "1.235"},
       {-0.4, "###,###,##0", "0", "0"},
       {1e15, "###,###,##0", "1,000,000,000,000,000", "1.000.000.000.000.000"},
-      {0, "###,##0", "0", "0"},
-      {123456, "###,##0", "123,456", "123.456"},
       {1234567, "###,##0", "1,234,567", "1.234.567"},
       {int16_t{-32768}, "###,##0", "-32,768", "-32.768"},
       {0, "###,###", "", ""},
       {0.4, "###,###", "", ""},
       {0.5, "###,###", "1", "1"},
       {1234, "###,###", "1,234", "1.234"},
-      {123456789, "###,###", "123,456,789", "123.456.789"},
   });
 }
 
@@ -80,13 +69,11 @@ TEST(Format, DecimalsRoundHalfAwayFromZeroOnFifteenDigits) {
       {0.1 + 0.2, "0.0000000000000000", "0.3000000000000000", "0,3000000000000000"},
       {1.0 / 3.0, "0.00000000000000000000", "0.33333333333333300000", "0,33333333333333300000"},
       {2.5, "0", "3", "3"},
-      {3.5, "0", "4", "4"},
       {-2.5, "0", "-3", "-3"},
       {0.5, "0", "1", "1"},
       {1e20, "0", "100000000000000000000", "100000000000000000000"},
       {45.25, "#0.0", "45.3", "45,3"},
       {0, "#0.0", "0.0", "0,0"},
-      {100, "#0.0", "100.0", "100,0"},
       {0.05, "#0.0", "0.1", "0,1"},
       {12.5, "###.00", "12.50", "12,50"},
       {0.256, "###.00", ".26", ",26"},
@@ -110,26 +97,19 @@ TEST(Format, CurrencyRoundsItsExactTenThousandths) {
   });
 }
 
-TEST(Format, OnlyOptionalDigitsHideAZeroIntegerPart) {
+TEST(Format, IntegerPartAndDecimalSeparatorShowAsThePatternSays) {
   ExpectInBothLocales({
       {0, "###,###.00", ".00", ",00"},
       {0.5, "###,###.00", ".50", ",50"},
       {-0.25, "###,###.00", "-.25", "-,25"},
       {1234.5, "###,###.00", "1,234.50", "1.234,50"},
       {5, "00", "05", "05"},
-      {0, "00", "00", "00"},
       {123, "00", "123", "123"},
       {-5, "00", "-05", "-05"},
       {2.5, "00", "03", "03"},
-  });
-}
-
-TEST(Format, PatternEndingInThePointKeepsTheSeparator) {
-  ExpectInBothLocales({
+      // A pattern ending in the point keeps the separator.
       {12, "###########0.", "12.", "12,"},
-      {0, "###########0.", "0.", "0,"},
       {12.5, "###########0.", "13.", "13,"},
-      {1234567, "###########0.", "1234567.", "1234567,"},
       {-3, "###########0.", "-3.", "-3,"},
   });
 }
@@ -170,12 +150,8 @@ TEST(Format, NumberPatternsTakeEveryKindOfValue) {
     LocaleGuard guard(kDotLocale);
     EXPECT_EQ(Format(Variant("1234.5"), "###,###,##0.00"), "1,234.50");
   }
-  try {
-    Format(Variant(std::numeric_limits<double>::infinity()), "0");
-    ADD_FAILURE() << "an infinite value was formatted";
-  } catch (const VekError& error) {
-    EXPECT_EQ(error.Number(), kOverflow);
-  }
+  EXPECT_EQ(ErrorOf([] { Format(Variant(std::numeric_limits<double>::infinity()), "0"); }).Number(),
+            kOverflow);
 }
 
 TEST(Format, DatePatternsOfTheSystem) {
@@ -183,17 +159,10 @@ TEST(Format, DatePatternsOfTheSystem) {
   ExpectInBothLocales({
       {moment, "dd/mm/yyyy", "05/01/2026", "05/01/2026"},
       {moment, "dd/mm/yyyy hh:Nn:Ss", "05/01/2026 07:03:09", "05/01/2026 07:03:09"},
-      {moment, "dd/mm/yyyy hh:Nn:ss", "05/01/2026 07:03:09", "05/01/2026 07:03:09"},
-      {moment, "hh:Nn:ss", "07:03:09", "07:03:09"},
       {moment, "hh:NN", "07:03", "07:03"},
       {moment, "yyyy-mm-dd hh:Nn:ss", "2026-01-05 07:03:09", "2026-01-05 07:03:09"},
-      {moment, "yyyy-mm-dd", "2026-01-05", "2026-01-05"},
       {moment, "mm/dd/yyyy", "01/05/2026", "01/05/2026"},
-      {moment, "mm/dd/yyyy hh:Nn:Ss", "01/05/2026 07:03:09", "01/05/2026 07:03:09"},
-      {moment, "yyyy-mm-dd hh:Nn:Ss", "2026-01-05 07:03:09", "2026-01-05 07:03:09"},
       {TimeSerial(23, 59, 0), "hh:NN", "23:59", "23:59"},
-      {DateSerial(2026, 11, 21) + TimeSerial(10, 30, 0), "yyyy-mm-dd hh:Nn:ss",
-       "2026-11-21 10:30:00", "2026-11-21 10:30:00"},
   });
 }
 

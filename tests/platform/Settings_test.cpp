@@ -1,84 +1,47 @@
 #include "vek/platform/Settings.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <optional>
-#include <random>
 #include <string>
 
-#include "vek/foundation/VekError.h"
+#include "support/TestSupport.h"
 
 namespace vek {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Sets an environment variable for one test and puts the old value back.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    if (value == nullptr) {
-      ::unsetenv(name);
-    } else {
-      ::setenv(name, value, 1);
-    }
-  }
-  ~ScopedEnv() {
-    if (old_) {
-      ::setenv(name_, old_->c_str(), 1);
-    } else {
-      ::unsetenv(name_);
-    }
-  }
-  ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
-};
+using testing::EnvGuard;
+using testing::ErrorOf;
 
 class SettingsTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    std::random_device random;
-    folder_ = fs::temp_directory_path() /
-              ("vek_settings_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(folder_);
-  }
-  void TearDown() override {
-    std::error_code error;
-    fs::remove_all(folder_, error);
-  }
-
   static std::string ReadRaw(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   }
 
-  fs::path folder_;
+  // The store lives under folder_/config unless a test says otherwise.
+  testing::ScratchApp app_;
+  const fs::path folder_ = app_.Path();
 };
 
 TEST_F(SettingsTest, StoreLivesUnderXdgConfigHomeOrHome) {
   const std::string home = (folder_ / "home").string();
   const std::string config = (folder_ / "config").string();
-  ScopedEnv home_env("HOME", home.c_str());
+  EnvGuard home_env("HOME", home.c_str());
   {
-    ScopedEnv xdg("XDG_CONFIG_HOME", config.c_str());
+    EnvGuard xdg("XDG_CONFIG_HOME", config.c_str());
     EXPECT_EQ(SettingsFilePath(), folder_ / "config" / "vek" / "settings.ini");
   }
   {
-    ScopedEnv xdg("XDG_CONFIG_HOME", "");
+    EnvGuard xdg("XDG_CONFIG_HOME", "");
     EXPECT_EQ(SettingsFilePath(), folder_ / "home" / ".config" / "vek" / "settings.ini");
   }
   {
-    ScopedEnv xdg("XDG_CONFIG_HOME", nullptr);
+    EnvGuard xdg("XDG_CONFIG_HOME", nullptr);
     EXPECT_EQ(SettingsFilePath(), folder_ / "home" / ".config" / "vek" / "settings.ini");
     SaveSetting("VEK", "Execucao", "Ic_ControleRelogioEstacionamento", "True");
     EXPECT_TRUE(fs::exists(folder_ / "home" / ".config" / "vek" / "settings.ini"));
@@ -86,8 +49,6 @@ TEST_F(SettingsTest, StoreLivesUnderXdgConfigHomeOrHome) {
 }
 
 TEST_F(SettingsTest, SavedValuesComeBackExactly) {
-  const std::string config = (folder_ / "config").string();
-  ScopedEnv xdg("XDG_CONFIG_HOME", config.c_str());
   const fs::path file = folder_ / "config" / "vek" / "settings.ini";
 
   EXPECT_EQ(GetSetting("VEK", "Execucao", "Ic_ControleRelogioEstacionamento", "False"), "False");
@@ -116,8 +77,6 @@ TEST_F(SettingsTest, SavedValuesComeBackExactly) {
 }
 
 TEST_F(SettingsTest, DeleteSettingRemovesKeyOrSection) {
-  const std::string config = (folder_ / "config").string();
-  ScopedEnv xdg("XDG_CONFIG_HOME", config.c_str());
 
   DeleteSetting("VEK", "Backup", "UltimoBackupCompleto");  // no store yet: nothing happens
   SaveSetting("VEK", "Backup", "UltimoBackupCompleto", "a");
@@ -139,28 +98,16 @@ TEST_F(SettingsTest, FailedSavesRaise) {
   const fs::path blocker = folder_ / "blocker";
   std::ofstream(blocker) << "x";
   const std::string config = blocker.string();
-  ScopedEnv xdg("XDG_CONFIG_HOME", config.c_str());
-  try {
-    SaveSetting("VEK", "Execucao", "K", "v");
-    FAIL() << "no error raised";
-  } catch (const VekError& error) {
-    EXPECT_EQ(error.Number(), 75);
-    EXPECT_EQ(error.Description(), "Path/File access error");
-  }
+  EnvGuard xdg("XDG_CONFIG_HOME", config.c_str());
+  const VekError refused = ErrorOf([] { SaveSetting("VEK", "Execucao", "K", "v"); });
+  EXPECT_EQ(refused.Number(), 75);
+  EXPECT_EQ(refused.Description(), "Path/File access error");
   EXPECT_EQ(GetSetting("VEK", "Execucao", "K", "d"), "d");
 
-  const auto number_of = [](auto&& call) {
-    try {
-      call();
-    } catch (const VekError& error) {
-      return error.Number();
-    }
-    return 0;
-  };
-  EXPECT_EQ(number_of([] { SaveSetting("", "S", "K", "v"); }), 5);
-  EXPECT_EQ(number_of([] { SaveSetting("VEK", "S", " ", "v"); }), 5);
-  EXPECT_EQ(number_of([] { SaveSetting("VEK", "S", "A=B", "v"); }), 5);
-  EXPECT_EQ(number_of([] { SaveSetting("VEK", "S", "K", "two\nlines"); }), 5);
+  EXPECT_EQ(ErrorOf([] { SaveSetting("", "S", "K", "v"); }).Number(), 5);
+  EXPECT_EQ(ErrorOf([] { SaveSetting("VEK", "S", " ", "v"); }).Number(), 5);
+  EXPECT_EQ(ErrorOf([] { SaveSetting("VEK", "S", "A=B", "v"); }).Number(), 5);
+  EXPECT_EQ(ErrorOf([] { SaveSetting("VEK", "S", "K", "two\nlines"); }).Number(), 5);
 }
 
 }  // namespace

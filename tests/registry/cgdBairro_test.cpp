@@ -9,14 +9,7 @@
 namespace vek {
 namespace {
 
-VekError ErrorOf(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const VekError& error) {
-    return error;
-  }
-  return VekError(0, "", "nothing was raised");
-}
+using testing::ErrorOf;
 
 class cgdBairroTest : public ::testing::Test {
  protected:

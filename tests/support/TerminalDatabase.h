@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/TestSupport.h"
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/VekError.h"

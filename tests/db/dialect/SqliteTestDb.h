@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/TestSupport.h"
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/foundation/VekError.h"
@@ -20,16 +21,7 @@
 namespace vek::dialect::testing {
 
 using Rows = std::vector<std::vector<std::string>>;
-
-// Statement lines joined the way the library joins them: a bare CR.
-inline std::string Lines(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (std::string_view line : lines) {
-    if (!text.empty()) text.push_back('\r');
-    text.append(line);
-  }
-  return text;
-}
+using vek::testing::Lines;
 
 inline vek::Date DateOf(std::string_view text) {
   const auto date = vek::ParseDate(text);
@@ -61,6 +53,11 @@ class SqliteTestDb {
     }
   }
 
+  // SQLite's result code for running SQLite text.
+  int Code(const std::string& sqlite_text) {
+    return sqlite3_exec(db_, sqlite_text.c_str(), nullptr, nullptr, nullptr);
+  }
+
   // Runs SQLite text and returns its rows, every value as text ("NULL" for NULL).
   Rows Query(const std::string& sqlite_text) {
     Rows rows;
@@ -85,15 +82,24 @@ class SqliteTestDb {
     return rows;
   }
 
+  // The first value of the first row of SQLite text.
+  std::string Scalar(const std::string& sqlite_text) {
+    const Rows rows = Query(sqlite_text);
+    return rows.empty() || rows[0].empty() ? "<no row>" : rows[0][0];
+  }
+
+  // The first value of every row of SQLite text.
+  std::vector<std::string> Column(const std::string& sqlite_text) {
+    std::vector<std::string> values;
+    for (const auto& row : Query(sqlite_text)) values.push_back(row.at(0));
+    return values;
+  }
+
   // Translates SQL Server text and runs it.
   Rows Run(std::string_view tsql) { return Query(TranslateToSqlite(tsql)); }
 
   // The first value of the first row of the translated text.
-  std::string Value(std::string_view tsql) {
-    const Rows rows = Run(tsql);
-    if (rows.empty() || rows[0].empty()) return "<no row>";
-    return rows[0][0];
-  }
+  std::string Value(std::string_view tsql) { return Scalar(TranslateToSqlite(tsql)); }
 
   // The error that SQLite raises running the translated text ("" if none).
   std::string RunError(std::string_view tsql) {

@@ -68,16 +68,14 @@ TEST(Tokenizer, LineCommentEndsAtCarriageReturnOrLineFeed) {
   EXPECT_EQ(Significant("SELECT 1 -- end").back().text, "-- end");
 }
 
-TEST(Tokenizer, BlockCommentsNestAsInSqlServer) {
-  const auto tokens = Significant("a /* x /* y */ z */ b");
+TEST(Tokenizer, BlockCommentsNestAndQuotesInsideOtherTokensOpenNoStrings) {
+  auto tokens = Significant("a /* x /* y */ z */ b");
   ASSERT_EQ(tokens.size(), 3u);
   EXPECT_EQ(tokens[1].kind, TokenKind::Comment);
   EXPECT_EQ(tokens[1].text, "/* x /* y */ z */");
   EXPECT_EQ(tokens[2].text, "b");
-}
 
-TEST(Tokenizer, QuotesInsideOtherTokensDoNotOpenStrings) {
-  const auto tokens = Significant("'it''s -- not a comment' [x'y] \"a'b\" -- it's\r/* ' */ c");
+  tokens = Significant("'it''s -- not a comment' [x'y] \"a'b\" -- it's\r/* ' */ c");
   ASSERT_EQ(tokens.size(), 6u);
   EXPECT_EQ(tokens[0].kind, TokenKind::String);
   EXPECT_EQ(StringValue(tokens[0]), "it's -- not a comment");
@@ -88,7 +86,7 @@ TEST(Tokenizer, QuotesInsideOtherTokensDoNotOpenStrings) {
   EXPECT_EQ(tokens[5].text, "c");
 }
 
-TEST(Tokenizer, NationalPrefixOnlyStartsAWord) {
+TEST(Tokenizer, NationalPrefixOnlyStartsAWordAndAccentedNamesAreOneWord) {
   auto tokens = Significant("n'a' N'' ASN'b' DATEDIFF(N,x,y)");
   EXPECT_EQ(tokens[0].kind, TokenKind::NationalString);
   EXPECT_EQ(StringValue(tokens[1]), "");
@@ -97,10 +95,8 @@ TEST(Tokenizer, NationalPrefixOnlyStartsAWord) {
   EXPECT_EQ(tokens[3].kind, TokenKind::String);
   EXPECT_EQ(tokens[6].kind, TokenKind::Word);
   EXPECT_EQ(tokens[6].text, "N");
-}
 
-TEST(Tokenizer, AccentedNamesAreOneWord) {
-  const auto tokens = Significant("Cód_Ação$1 #temp");
+  tokens = Significant("Cód_Ação$1 #temp");
   ASSERT_EQ(tokens.size(), 2u);
   EXPECT_EQ(tokens[0].text, "Cód_Ação$1");
   EXPECT_EQ(tokens[1].text, "#temp");
