@@ -57,16 +57,49 @@ bool cgpSistema::HasProperty(std::string_view name) const {
   return EqualsIgnoreCase(name, kConnectionStringProperty) || cgp::HasProperty(name);
 }
 
+namespace {
+
+// The server setting "[user@]host[:port]", each part optional but the host.
+struct ServerAddress {
+  std::string user;
+  std::string host;
+  std::string port;
+};
+
+ServerAddress ReadServer(const std::string& setting, std::string_view default_user,
+                         std::string_view default_port) {
+  ServerAddress address{std::string(default_user), setting, std::string(default_port)};
+  if (const size_t at = address.host.rfind('@'); at != std::string::npos) {
+    address.user = address.host.substr(0, at);
+    address.host.erase(0, at + 1);
+  }
+  if (const size_t colon = address.host.rfind(':'); colon != std::string::npos) {
+    address.port = address.host.substr(colon + 1);
+    address.host.erase(colon);
+  }
+  return address;
+}
+
+}  // namespace
+
 std::string cgpSistema::Ds_StringConexaoDB() const {
   const int32_t kind = CLng(cgp::Get("Cd_DB"));
-  const std::string path = CStr(cgp::Get("Ds_CaminhoDB"));
+  const std::string database = CStr(cgp::Get("Ds_CaminhoDB"));
+  const std::string server = CStr(cgp::Get("Nm_ServidorDB"));
+  const std::string password = CStr(cgp::Get("Ds_SenhaDB"));
   switch (kind) {
     case 0:
-    case BancoDadosSQLite3: return "Driver=SQLite3;Database=" + path;
+    case BancoDadosSQLite3: return "Driver=SQLite3;Database=" + database;
+    case BancoDadosPostgreSQL: {
+      const ServerAddress address = ReadServer(server, "postgres", "5432");
+      return "Driver={PostgreSQL Unicode};Server=" + address.host + ";Port=" + address.port +
+             ";Database=" + database + ";Uid=" + address.user + ";Pwd=" + password;
+    }
     default: {
-      // The server kinds speak ODBC: server, database and password as given.
-      return "Driver={SQL Server};Server=" + CStr(cgp::Get("Nm_ServidorDB")) + ";Database=" + path +
-             ";Pwd=" + CStr(cgp::Get("Ds_SenhaDB"));
+      // SQL Server (and the old Firebird kind) through FreeTDS.
+      const ServerAddress address = ReadServer(server, "sa", "1433");
+      return "Driver={FreeTDS};Server=" + address.host + ";Port=" + address.port + ";Database=" + database +
+             ";Uid=" + address.user + ";Pwd=" + password + ";TDS_Version=7.4;ClientCharset=UTF-8";
     }
   }
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TestSupport.h"
+#include "vek/foundation/cgpSistema.h"
 
 namespace vek {
 namespace {
@@ -77,6 +78,36 @@ TEST(cgp, ListsForCatalogueTablesCarryTheColumnsAndTheExtras) {
   EXPECT_EQ(list->At(list->IndexOf("Nm_Bairro")).type, PropertyType::String);
   EXPECT_EQ(list->IndexOf("Qt_Extra"), list->Count() - 1);
   EXPECT_EQ(ErrorOf([] { PropertyList::ForTable("TbNada"); }).Number(), 5);
+}
+
+}  // namespace
+}  // namespace vek
+
+namespace vek {
+namespace {
+
+TEST(cgpSistema, ComposesTheConnectionStringOfEachKind) {
+  cgpSistema session;
+  session.Let("Ds_CaminhoDB", Variant("/srv/terminal/Vek.db"));
+  EXPECT_EQ(CStr(session.Get("Ds_StringConexaoDB")), "Driver=SQLite3;Database=/srv/terminal/Vek.db");
+
+  session.Let("Cd_DB", Variant(static_cast<int32_t>(BancoDadosPostgreSQL)));
+  session.Let("Ds_CaminhoDB", Variant("vek"));
+  session.Let("Nm_ServidorDB", Variant("terminal@10.0.0.5:5433"));
+  session.Let("Ds_SenhaDB", Variant("s3nha"));
+  EXPECT_EQ(session.Ds_StringConexaoDB(),
+            "Driver={PostgreSQL Unicode};Server=10.0.0.5;Port=5433;Database=vek;Uid=terminal;Pwd=s3nha");
+  session.Let("Nm_ServidorDB", Variant("servidor"));
+  EXPECT_EQ(session.Ds_StringConexaoDB(),
+            "Driver={PostgreSQL Unicode};Server=servidor;Port=5432;Database=vek;Uid=postgres;Pwd=s3nha");
+
+  session.Let("Cd_DB", Variant(static_cast<int32_t>(BancoDadosSqlServer2000)));
+  session.Let("Nm_ServidorDB", Variant("sqlsrv:1435"));
+  EXPECT_EQ(session.Ds_StringConexaoDB(),
+            "Driver={FreeTDS};Server=sqlsrv;Port=1435;Database=vek;Uid=sa;Pwd=s3nha;TDS_Version=7.4;"
+            "ClientCharset=UTF-8");
+  // Composed, never set.
+  EXPECT_EQ(testing::ErrorOf([&] { session.Let("Ds_StringConexaoDB", Variant("x")); }).Number(), 438);
 }
 
 }  // namespace
