@@ -3,6 +3,7 @@
 #include <map>
 
 #include "vek/db/DbError.h"
+#include "vek/db/odbc/OdbcDriver.h"
 #include "vek/db/sqlite/SqliteDriver.h"
 #include "vek/platform/Text.h"
 
@@ -58,15 +59,13 @@ std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::fu
   const auto parts = ParseConnectionString(connection_string);
   const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));
   const std::string database = FirstOf(parts, {"database", "data source", "dbq"});
-  if (driver.empty() || driver.find("sqlite") != std::string::npos) {
-    if (database.empty()) {
-      RaiseDbError(adErrUnspecified, "vek",
-                   "The connection string names no database file (Database=...).");
-    }
-    return OpenSqliteDriver(database, std::move(now));
+  // A data source name, or any driver but SQLite's, is reached through ODBC.
+  const bool odbc = driver.empty() ? parts.contains("dsn") : driver.find("sqlite") == std::string::npos;
+  if (odbc) return OpenOdbcDriver(connection_string, std::move(now));
+  if (database.empty()) {
+    RaiseDbError(adErrUnspecified, "vek", "The connection string names no database file (Database=...).");
   }
-  RaiseDbError(adErrUnspecified, "vek",
-               "Data source name not found and no default driver specified: " + connection_string);
+  return OpenSqliteDriver(database, std::move(now));
 }
 
 }  // namespace vek

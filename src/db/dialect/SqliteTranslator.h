@@ -13,7 +13,8 @@ namespace vek::dialect {
 // connection prepared by RegisterSqlServerFunctions. Works on tokens: one
 // pass over each statement's scopes for its qualifiers, one that writes the
 // text, and a small pass over the operands of "+"; both are linear in the
-// tokens. Several statements separated by ";" are translated one by one.
+// tokens, and TranslateToPostgres shares them (TranslatorBase.h). Several
+// statements separated by ";" are translated one by one.
 //
 // What changes:
 // - SELECT TOP n / TOP (n) becomes LIMIT n at the end of that SELECT (a
