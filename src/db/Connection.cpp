@@ -1,8 +1,10 @@
 #include "vek/db/Connection.h"
 
+#include "vek/db/DateText.h"
 #include "vek/db/DbError.h"
 #include "vek/db/Recordset.h"
 #include "vek/db/StatementShape.h"
+#include "vek/db/dialect/PostgresTranslator.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/db/dialect/Statements.h"
 #include "vek/foundation/VekError.h"
@@ -99,8 +101,7 @@ const std::string& Connection::Translate(const std::string& text) {
   switch (driver_->SqlDialect()) {
     case Dialect::SQLite: translated = dialect::TranslateToSqlite(text); break;
     case Dialect::SqlServer: translated = text; break;
-    case Dialect::PostgreSQL:
-      RaiseDbError(adErrFeatureNotAvailable, "vek", "PostgreSQL statements are not translated yet");
+    case Dialect::PostgreSQL: translated = dialect::TranslateToPostgres(text); break;
   }
   if (translations_.size() >= kMaxCachedTranslations) translations_.clear();
   return translations_.emplace(text, std::move(translated)).first->second;
@@ -126,6 +127,7 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
                                      bool translate) {
   Driver& driver = OpenDriverOrRaise("ADODB.Connection");
   NotifyStatement(text);
+  if (driver.SqlDialect() == Dialect::PostgreSQL) TellServerTheTime(driver);
   if (translate && parameters.empty() && driver.SqlDialect() == Dialect::SQLite) {
     if (std::optional<StatementShape> shape = ShapeOf(text)) {
       const ShapeEntry& entry = Shape(text, *shape);
@@ -140,6 +142,16 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
   if (translate) return driver.Run(Translate(text), parameters);
   RefuseMoreThanOneStatement(text);
   return driver.Run(text, parameters);
+}
+
+void Connection::TellServerTheTime(Driver& driver) {
+  // A server keeps its own time; only a clock that is not the system's (a
+  // session's fixed clock) is handed to it, as the setting getdate() reads.
+  const std::shared_ptr<Clock> clock = GetClock();
+  if (dynamic_cast<const SystemClock*>(clock.get())) return;
+  const Variant now(CanonicalDateText(clock->Now()));
+  driver.Run("SELECT set_config('" + std::string(dialect::kPostgresNowSetting) + "', ?, false)",
+             std::span<const Variant>(&now, 1));
 }
 
 int32_t Connection::ExecuteNative(const std::string& text) {

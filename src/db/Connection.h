@@ -86,6 +86,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
  private:
   Driver& OpenDriverOrRaise(const char* object);
   const std::string& Translate(const std::string& text);
+  void TellServerTheTime(Driver& driver);
   struct ShapeEntry;
   const ShapeEntry& Shape(const std::string& text, const StatementShape& shape);
 

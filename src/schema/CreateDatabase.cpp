@@ -7,6 +7,7 @@
 #include "vek/db/Recordset.h"
 #include "vek/platform/Text.h"
 #include "vek/schema/Ddl.h"
+#include "vek/schema/PostgresDdl.h"
 
 namespace vek::schema {
 namespace {
@@ -31,11 +32,17 @@ void AttachAccessControl(Connection& connection) {
 }  // namespace
 
 void CreateDatabase(Connection& connection) {
-  if (connection.SqlDialect() != Dialect::SQLite) {
-    RaiseDbError(adErrFeatureNotAvailable, "vek", "The database can be created on SQLite only, for now.");
+  switch (connection.SqlDialect()) {
+    case Dialect::SQLite:
+      AttachAccessControl(connection);
+      for (const std::string& statement : SqliteDdl()) connection.ExecuteNative(statement);
+      return;
+    case Dialect::PostgreSQL:
+      for (const std::string& statement : PostgresDdl()) connection.ExecuteNative(statement);
+      return;
+    case Dialect::SqlServer:
+      RaiseDbError(adErrFeatureNotAvailable, "vek", "The database can't be created on SQL Server from here.");
   }
-  AttachAccessControl(connection);
-  for (const std::string& statement : SqliteDdl()) connection.ExecuteNative(statement);
 }
 
 }  // namespace vek::schema

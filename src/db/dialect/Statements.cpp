@@ -2,8 +2,21 @@
 
 #include "vek/db/dialect/Tokenizer.h"
 
+#include <cctype>
+
 namespace vek::dialect {
 namespace {
+
+// The offset just past the body that a "$tag$" mark at `begin` opens, or npos
+// when the text there is no such mark or the body is not closed.
+size_t DollarQuoteEnd(std::string_view sql, size_t begin) {
+  size_t close = begin + 1;
+  while (close < sql.size() && (std::isalnum(static_cast<unsigned char>(sql[close])) || sql[close] == '_')) ++close;
+  if (close >= sql.size() || sql[close] != '$') return std::string_view::npos;
+  const std::string_view mark = sql.substr(begin, close - begin + 1);
+  const size_t end = sql.find(mark, close + 1);
+  return end == std::string_view::npos ? end : end + mark.size();
+}
 
 // Walks the text and counts statements, stopping once `limit` is reached.
 size_t Count(std::string_view sql, size_t limit) {
@@ -21,6 +34,19 @@ size_t Count(std::string_view sql, size_t limit) {
 
   for (Token token = tokenizer.Next(); token.kind != TokenKind::End; token = tokenizer.Next()) {
     if (token.kind == TokenKind::Whitespace || token.kind == TokenKind::Comment) continue;
+    // A PostgreSQL body between $$ or $tag$ marks (the schema's functions)
+    // is one string: its semicolons end nothing.
+    if (token.kind == TokenKind::Operator && token.text == "$") {
+      if (const size_t end = DollarQuoteEnd(sql, token.offset); end != std::string_view::npos) {
+        if (!in_statement) {
+          in_statement = true;
+          if (++count >= limit) return count;
+        }
+        sql = sql.substr(end);
+        tokenizer = Tokenizer(sql);
+        continue;
+      }
+    }
     if (token.kind == TokenKind::Operator && token.text == ";" && !in_body) {
       in_statement = false;
       words_seen = 0;

@@ -40,5 +40,15 @@ TEST(Statements, AnythingAfterTheFirstSemicolonIsASecondStatementButATriggersBod
   EXPECT_EQ(CountStatements(std::string(trigger) + " SELECT 1"), 2u);
 }
 
+TEST(Statements, ADollarQuotedFunctionBodyIsOneString) {
+  const char* function =
+      "CREATE OR REPLACE FUNCTION f() RETURNS int LANGUAGE plpgsql AS $body$ BEGIN RETURN 1; END; $body$";
+  EXPECT_EQ(CountStatements(function), 1u);
+  EXPECT_EQ(CountStatements("SELECT $$a; b$$; DELETE FROM T"), 2u);
+  EXPECT_TRUE(HoldsMoreThanOneStatement(std::string(function) + "; DROP TABLE T"));
+  // A mark that is never closed hides nothing.
+  EXPECT_EQ(CountStatements("SELECT $x$ 1; SELECT 2"), 2u);
+}
+
 }  // namespace
 }  // namespace vek::dialect
