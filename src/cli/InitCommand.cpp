@@ -33,6 +33,8 @@ constexpr std::string_view kTemplatesFolder = "Modelos";
 struct InitOptions {
   std::string folder = ".";
   bool force = false;
+  std::string kind = "sqlite";
+  ServerDatabase server;
 };
 
 struct SettingValue {
@@ -43,15 +45,16 @@ struct SettingValue {
 // What a new installation starts with: the embedded database in the folder,
 // keyset cursors with optimistic locks, ISO dates, and a plain default for
 // every other key, so that the settings load without a conversion error.
-std::vector<SettingValue> InstallationSettings(const fs::path& folder) {
+std::vector<SettingValue> InstallationSettings(const fs::path& folder, const ServerDatabase* postgres) {
   const struct {
     std::string_view property;
     std::string text;
   } chosen[] = {
       {"Cursor", "1"},
       {"LockType", "3"},
-      {"Cd_DB", "31"},
-      {"Ds_CaminhoDB", (folder / kDatabaseFile).string()},
+      {"Cd_DB", postgres ? "41" : "31"},
+      {"Ds_CaminhoDB", postgres ? postgres->database : (folder / kDatabaseFile).string()},
+      {"Nm_ServidorDB", postgres ? postgres->server : std::string()},
       {"Ds_FormatoData", "yyyy-mm-dd"},
       {"Ds_CaminhoAplicacao", folder.string()},
       {"Ds_PathBkpLocal", (folder / "Backup").string()},
@@ -85,24 +88,15 @@ void WriteSetting(std::string_view section, std::string_view key, const std::str
 
 }  // namespace
 
-void InitTerminalFolder(const fs::path& folder_argument, bool force, std::ostream& out) {
-  const fs::path database_file = (fs::absolute(folder_argument) / kDatabaseFile).lexically_normal();
-  if (fs::exists(database_file) && !force) {
-    throw VekError(kBusinessError, std::string(),
-                   database_file.string() +
-                       " already exists; use --force to keep its data and add what is missing");
-  }
+namespace {
 
-  const bool folder_existed = fs::is_directory(folder_argument);
-  fs::create_directories(folder_argument);
-  const fs::path folder = fs::canonical(folder_argument);
-  out << "folder    " << folder.string() << (folder_existed ? " (already there)" : "") << "\n";
-
-  // Every key is written, the one read from another section under both,
-  // so that a session loads from the file as it is.
+// Writes Vek.ini into the folder: every key, the one read from another
+// section under both, so that a session loads from the file as it is.
+std::shared_ptr<cgpSistema> WriteSettings(const fs::path& folder, const ServerDatabase* postgres,
+                                          std::ostream& out) {
   const fs::path settings_file = folder / kSettingsFile;
   auto session = std::make_shared<cgpSistema>();
-  for (const SettingValue& value : InstallationSettings(folder)) {
+  for (const SettingValue& value : InstallationSettings(folder, postgres)) {
     const SettingDef& setting = *value.setting;
     WriteSetting(setting.write_section, setting.key, value.text, settings_file);
     if (!EqualsIgnoreCase(setting.read_section, setting.write_section)) {
@@ -111,6 +105,36 @@ void InitTerminalFolder(const fs::path& folder_argument, bool force, std::ostrea
     session->Let(setting.property, Variant(value.text));
   }
   out << "settings  " << settings_file.string() << "\n";
+  return session;
+}
+
+fs::path MakeFolder(const fs::path& folder_argument, std::ostream& out) {
+  const bool folder_existed = fs::is_directory(folder_argument);
+  fs::create_directories(folder_argument);
+  const fs::path folder = fs::canonical(folder_argument);
+  out << "folder    " << folder.string() << (folder_existed ? " (already there)" : "") << "\n";
+  return folder;
+}
+
+void MakeTemplatesFolder(const fs::path& folder, std::ostream& out) {
+  const fs::path templates = folder / kTemplatesFolder;
+  const bool templates_existed = fs::is_directory(templates);
+  fs::create_directories(templates);
+  out << "folder    " << templates.string() << (templates_existed ? " (already there)" : "")
+      << "\n";
+}
+
+}  // namespace
+
+void InitTerminalFolder(const fs::path& folder_argument, bool force, std::ostream& out) {
+  const fs::path database_file = (fs::absolute(folder_argument) / kDatabaseFile).lexically_normal();
+  if (fs::exists(database_file) && !force) {
+    throw VekError(kBusinessError, std::string(),
+                   database_file.string() +
+                       " already exists; use --force to keep its data and add what is missing");
+  }
+  const fs::path folder = MakeFolder(folder_argument, out);
+  auto session = WriteSettings(folder, nullptr, out);
 
   const bool database_existed = fs::exists(folder / kDatabaseFile);
   const bool access_control_existed = fs::exists(folder / kAccessControlFile);
@@ -122,12 +146,23 @@ void InitTerminalFolder(const fs::path& folder_argument, bool force, std::ostrea
       << "\n";
   out << "database  " << (folder / kAccessControlFile).string()
       << (access_control_existed ? kKept : "") << "\n";
+  MakeTemplatesFolder(folder, out);
+}
 
-  const fs::path templates = folder / kTemplatesFolder;
-  const bool templates_existed = fs::is_directory(templates);
-  fs::create_directories(templates);
-  out << "folder    " << templates.string() << (templates_existed ? " (already there)" : "")
-      << "\n";
+void InitTerminalFolder(const fs::path& folder_argument, const ServerDatabase& postgres,
+                        std::ostream& out) {
+  if (postgres.server.empty() || postgres.database.empty()) {
+    throw VekError(kBusinessError, std::string(),
+                   "a PostgreSQL terminal needs --server HOST[:PORT] and --database NAME");
+  }
+  const fs::path folder = MakeFolder(folder_argument, out);
+  auto session = WriteSettings(folder, &postgres, out);
+  auto connection = session->AbrirConexao();
+  schema::CreateDatabase(*connection);
+  connection->Close();
+  out << "database  " << postgres.database << " on " << postgres.server
+      << " (tables, functions and fixed rows; what was there is kept)\n";
+  MakeTemplatesFolder(folder, out);
 }
 
 void AddInitCommand(CLI::App& app) {
@@ -139,7 +174,20 @@ void AddInitCommand(CLI::App& app) {
   command->add_flag("-f,--force", options->force,
                     "Go on when Vek.db is there: keep its data, add what is missing and "
                     "write Vek.ini anew");
-  command->callback([options] { InitTerminalFolder(options->folder, options->force, std::cout); });
+  command->add_option("-k,--kind", options->kind, "Where the database lives")
+      ->check(CLI::IsMember({"sqlite", "postgresql"}))
+      ->capture_default_str();
+  command->add_option("-s,--server", options->server.server,
+                      "PostgreSQL server, [user@]host[:port] (with --kind postgresql)");
+  command->add_option("-d,--database", options->server.database,
+                      "PostgreSQL database, which must exist (with --kind postgresql)");
+  command->callback([options] {
+    if (options->kind == "postgresql") {
+      InitTerminalFolder(options->folder, options->server, std::cout);
+    } else {
+      InitTerminalFolder(options->folder, options->force, std::cout);
+    }
+  });
 }
 
 }  // namespace vek::cli

@@ -1,5 +1,3 @@
-// The tool's sources are not part of the library: the command is compiled in
-// here so that the tests call it directly.
 #include "cli/Commands.h"
 #include "vek/vek.h"
 
@@ -9,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "db/dialect/PgTestDb.h"
 #include "support/TestSupport.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/cgdSistema.h"
@@ -133,6 +132,39 @@ TEST_F(InitCommandTest, TheCommandLineTakesTheFolderAndTheForceFlag) {
   EXPECT_EQ(ErrorOf([&] { parse({"init", folder.string()}); }).Number(), kBusinessError);
   EXPECT_NE(parse({"init", "--force", folder.string()}).find("kept its data"), std::string::npos);
 }
+
+#ifdef VEK_TEST_HAS_LIBPQ
+// A terminal whose database is on a PostgreSQL server.
+TEST(PostgresInit, WritesTheServerIntoVekIniAndCreatesTheSchemaThere) {
+  dialect::testing::PgTestDb server;
+  if (!server.Open() || std::getenv("VEK_PG_PORT") == nullptr) GTEST_SKIP() << "no PostgreSQL server";
+  testing::ScratchApp app;
+  const cli::ServerDatabase postgres{"postgres@127.0.0.1:" + std::string(std::getenv("VEK_PG_PORT")),
+                                     server.Name()};
+  std::ostringstream out;
+  cli::InitTerminalFolder(app.Path() / "terminal", postgres, out);
+  const fs::path folder = fs::canonical(app.Path() / "terminal");
+  EXPECT_TRUE(fs::is_directory(folder / "Modelos"));
+  EXPECT_FALSE(fs::exists(folder / "Vek.db"));
+
+  SetAppPath(folder);
+  cgdSistema sistema;
+  std::shared_ptr<cgpSistema> session = sistema.Consultar();
+  EXPECT_EQ(CLng(session->Get("Cd_DB")), 41);
+  EXPECT_EQ(CStr(session->Get("Ds_CaminhoDB")), server.Name());
+  auto connection = session->AbrirConexao();
+  EXPECT_EQ(connection->SqlDialect(), Dialect::PostgreSQL);
+  EXPECT_EQ(FirstValue(*connection, "SELECT Nm_TipoReceita FROM TbTipoReceita WHERE Cd_TipoReceita = 1"),
+            "EMBARQUE");
+  // Again on the same database: what is there is kept.
+  connection->Execute("INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (9, 'Goiás', 'GO')");
+  std::ostringstream again;
+  cli::InitTerminalFolder(app.Path() / "terminal", postgres, again);
+  EXPECT_EQ(FirstValue(*connection, "SELECT Nm_UF FROM TbUF WHERE Sg_UF = 'go'"), "Goiás");
+  EXPECT_EQ(ErrorOf([&] { cli::InitTerminalFolder(app.Path() / "x", cli::ServerDatabase{}, again); }).Number(),
+            kBusinessError);
+}
+#endif
 
 }  // namespace
 }  // namespace vek
