@@ -1,26 +1,51 @@
 #pragma once
-// A session on a fresh terminal database in memory, with a fixed clock, and
-// the statements it runs recorded as they are sent.
+// A session on a fresh terminal database, with a fixed clock, and the
+// statements it runs recorded as they are sent. The database is SQLite in
+// memory, or, when VEK_TEST_ENGINE is "postgresql", a fresh database on the
+// PostgreSQL server that VEK_PG_CONNECTION names: the same behaviour tests
+// then run on both engines.
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "db/dialect/PgTestDb.h"
 #include "support/TestSupport.h"
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/VekError.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Clock.h"
+#include "vek/platform/Text.h"
 #include "vek/schema/CreateDatabase.h"
 
 namespace vek::testing {
 
+// True when the behaviour tests run on the PostgreSQL server.
+inline bool OnPostgres() {
+  const char* engine = std::getenv("VEK_TEST_ENGINE");
+  return engine != nullptr && EqualsIgnoreCase(engine, "postgresql");
+}
+
 struct TerminalDatabase {
   TerminalDatabase() : session(std::make_shared<cgpSistema>()),
                        clock(std::make_shared<FixedClock>(DateSerial(2026, 11, 21) + TimeSerial(10, 30, 0))) {
-    session->Let("Ds_CaminhoDB", Variant(":memory:"));
     session->Let("Ds_FormatoData", Variant("yyyy-mm-dd"));
+    if (OnPostgres()) {
+#ifdef VEK_TEST_HAS_LIBPQ
+      server = std::make_unique<dialect::testing::PgTestDb>();
+      const char* port = std::getenv("VEK_PG_PORT");
+      if (!server->Open() || port == nullptr) throw std::runtime_error("VEK_TEST_ENGINE needs VEK_PG_CONNECTION");
+      session->Let("Cd_DB", Variant(static_cast<int32_t>(BancoDadosPostgreSQL)));
+      session->Let("Nm_ServidorDB", Variant("postgres@127.0.0.1:" + std::string(port)));
+      session->Let("Ds_CaminhoDB", Variant(server->Name()));
+#else
+      throw std::runtime_error("VEK_TEST_ENGINE=postgresql needs libpq");
+#endif
+    } else {
+      session->Let("Ds_CaminhoDB", Variant(":memory:"));
+    }
     session->SetClock(clock);
     connection = session->AbrirConexao();
     schema::CreateDatabase(*connection);
@@ -34,6 +59,9 @@ struct TerminalDatabase {
     return rows;
   }
 
+#ifdef VEK_TEST_HAS_LIBPQ
+  std::unique_ptr<dialect::testing::PgTestDb> server;  // dropped after the session's connection
+#endif
   std::shared_ptr<cgpSistema> session;
   std::shared_ptr<FixedClock> clock;
   std::shared_ptr<Connection> connection;
