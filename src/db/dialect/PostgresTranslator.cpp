@@ -102,26 +102,7 @@ class PostgresTranslator final : public TranslatorBase {
       out_.append(" FROM CAST(");
       EmitArg(args[0]);
       out_.append(" AS timestamp)) AS integer)");
-    } else if (IsOneOf(function, {"datediff", "dateadd"})) {
-      RequireArgs(function, args.size(), 3, 3);
-      const DatePart part = DatePartArg(function, args[0]);
-      EmitTrivia(name);
-      out_.append(EqualsAsciiNoCase(function, "datediff") ? "vek_datediff('" : "vek_dateadd('");
-      out_.append(DatePartName(part));
-      out_.append("',");
-      EmitArg(args[1]);
-      out_.push_back(',');
-      EmitArg(args[2]);
-      out_.push_back(')');
-    } else if (EqualsAsciiNoCase(function, "datepart")) {
-      RequireArgs(function, args.size(), 2, 2);
-      const DatePart part = DatePartArg(function, args[0]);
-      EmitTrivia(name);
-      out_.append("vek_datepart('");
-      out_.append(DatePartName(part));
-      out_.append("',");
-      EmitArg(args[1]);
-      out_.push_back(')');
+    } else if (EmitDatePartCall(function, name, args)) {
     } else {
       EmitPlainCall(name, open, close);
     }

@@ -1144,6 +1144,28 @@ class TranslatorBase {
 
   void EmitArg(const std::pair<size_t, size_t>& arg) { EmitSequence(arg.first, arg.second); }
 
+  // DATEDIFF, DATEADD and DATEPART become the vek_* functions that both
+  // dialects define, with the part's full name; false for other functions.
+  bool EmitDatePartCall(std::string_view function, size_t name,
+                        const std::vector<std::pair<size_t, size_t>>& args) {
+    const bool two_dates = IsOneOf(function, {"datediff", "dateadd"});
+    if (!two_dates && !EqualsAsciiNoCase(function, "datepart")) return false;
+    RequireArgs(function, args.size(), two_dates ? 3 : 2, two_dates ? 3 : 2);
+    const DatePart part = DatePartArg(function, args[0]);
+    EmitTrivia(name);
+    out_.append("vek_");
+    for (char c : function) out_.push_back(static_cast<char>(c | 0x20));
+    out_.append("('");
+    out_.append(DatePartName(part));
+    out_.append("'");
+    for (size_t i = 1; i < args.size(); ++i) {
+      out_.push_back(',');
+      EmitArg(args[i]);
+    }
+    out_.push_back(')');
+    return true;
+  }
+
   DatePart DatePartArg(std::string_view function, const std::pair<size_t, size_t>& arg) const {
     std::optional<DatePart> part;
     if (arg.second == arg.first + 1 && At(arg.first).kind == TokenKind::Word)
