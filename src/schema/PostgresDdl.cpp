@@ -136,6 +136,21 @@ std::string AdvanceIdentity(const TableDef& table, std::string_view schema) {
          " AS regclass)), 0)";
 }
 
+// An identity keeps ahead of keys written by hand, as SQL Server's does:
+// after every insert its sequence moves past the highest key (never back).
+std::vector<std::string> IdentityTrigger(const TableDef& table, std::string_view schema) {
+  if (!table.HasIdentity()) return {};
+  const std::string table_name = Lower(table.name);
+  const std::string function = Qualified(schema, ObjectName("vek_identity_" + table_name));
+  const std::string advance = AdvanceIdentity(table, schema);
+  return {
+      "CREATE OR REPLACE FUNCTION " + function + "() RETURNS trigger LANGUAGE plpgsql AS $$\nBEGIN\n  PERFORM " +
+          advance.substr(std::string_view("SELECT ").size()) + ";\n  RETURN NULL;\nEND\n$$",
+      "CREATE OR REPLACE TRIGGER " + ObjectName("tr_" + table_name + "_identity") + " AFTER INSERT ON " +
+          Qualified(schema, table_name) + " FOR EACH STATEMENT EXECUTE FUNCTION " + function + "()",
+  };
+}
+
 // ---- the functions that translated text calls ----------------------------------
 
 // The server's "now": the session's clock when the connection set one,
@@ -443,6 +458,8 @@ std::vector<std::string> PostgresTableStatements(const TableDef& table, std::str
   for (const IndexDef& index : table.indexes)
     statements.push_back(CreateIndex(table, index, schema));
   for (std::string& statement : BitTrigger(table, schema))
+    statements.push_back(std::move(statement));
+  for (std::string& statement : IdentityTrigger(table, schema))
     statements.push_back(std::move(statement));
   for (std::string_view values : table.fixed_rows) {
     statements.push_back("INSERT INTO " + Qualified(schema, table.name) + " (" +
