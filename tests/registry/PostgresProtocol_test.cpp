@@ -7,6 +7,7 @@
 
 #include "db/dialect/PgTestDb.h"
 #include "support/TestSupport.h"
+#include "vek/foundation/Sequences.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Clock.h"
 #include "vek/registry/cgdBairro.h"
@@ -72,6 +73,10 @@ TEST(PostgresProtocol, ANeighbourhoodIsSavedLoadedChangedAndDeletedWithTheSameSt
   const VekError refused = testing::ErrorOf([&] { bairro.Salvar(); });
   EXPECT_EQ(refused.Number(), static_cast<int32_t>(0x80040E2Fu));
   EXPECT_EQ(refused.Source(), "ODBC -> cgdBairro.Incluir,  -> cgdBairro.Salvar, ");
+
+  // Sequence numbers on the server: the first of an attribute, then the next.
+  EXPECT_EQ(NextSequenceValue(*session, "Cd_Horario"), 1);
+  EXPECT_EQ(NextSequenceValue(*other_session, "Cd_Horario"), 2);
 
   // getdate() is the session's clock on the server too.
   auto now = session->Ob_Conexao()->Execute("SELECT getdate() AS Agora");

@@ -631,10 +631,15 @@ class OdbcDriver final : public Driver {
       Bind(statement, static_cast<SQLUSMALLINT>(i + 1), parameters[i], bound[i]);
     }
     SQLRETURN code = SQLExecute(statement);
-    // A searched UPDATE or DELETE that touched no row answers SQL_NO_DATA.
-    if (code != SQL_NO_DATA) Check(code, SQL_HANDLE_STMT, statement);
-
     QueryResult result;
+    // A searched UPDATE or DELETE that touched no row answers SQL_NO_DATA,
+    // and then has nothing more to describe (not even RETURNING's columns).
+    if (code == SQL_NO_DATA) {
+      result.records_affected = 0;
+      return result;
+    }
+    Check(code, SQL_HANDLE_STMT, statement);
+
     SQLSMALLINT column_count = 0;
     Check(SQLNumResultCols(statement, &column_count), SQL_HANDLE_STMT, statement);
     SQLLEN row_count = -1;
