@@ -102,7 +102,7 @@ TEST_F(cgdBairroTest, ACodeOfZeroIsStoredAsNullAndAMissingCityFailsInTheDatabase
   orphan.Ob_cgp()->Let("Cd_Cidade", Variant(999));
   const VekError refused = ErrorOf([&] { orphan.Salvar(); });
   EXPECT_EQ(refused.Number(), static_cast<int32_t>(0x80040E2Fu));
-  EXPECT_EQ(refused.Source(), "SQLite -> cgdBairro.Incluir,  -> cgdBairro.Salvar, ");
+  EXPECT_EQ(refused.Source(), testing::ProviderSource() + " -> cgdBairro.Incluir,  -> cgdBairro.Salvar, ");
 
   // A city that neighbourhoods still refer to can't be deleted.
   cgdCidade cidade;

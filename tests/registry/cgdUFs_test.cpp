@@ -124,19 +124,19 @@ TEST_F(cgdUFsTest, EveryLoaderReportsABadFilterUnderTheNameItHasAlwaysUsed) {
   combo.AddItem("left from before");
   const VekError list = ErrorOf([&] { ufs.CarregarComboBox(combo, "A.Nm_UF = = 'x'"); });
   EXPECT_EQ(list.Number(), static_cast<int32_t>(0x80040E14u));
-  EXPECT_EQ(list.Source(), "SQLite -> cgdUFs.CarregarComboBox, ");
+  EXPECT_EQ(list.Source(), testing::ProviderSource() + " -> cgdUFs.CarregarComboBox, ");
   EXPECT_EQ(combo.ListCount(), 0);
   EXPECT_FALSE(progress->Visible());
 
   const VekError abbreviations = ErrorOf([&] { ufs.CarregarComboBoxSomenteSigla(combo, "A.Nm_UF = = 'x'"); });
   EXPECT_EQ(abbreviations.Number(), list.Number());
   EXPECT_EQ(abbreviations.Description(), list.Description());
-  EXPECT_EQ(abbreviations.Source(), "SQLite -> cgdUFs.CarregarComboBox, ");
+  EXPECT_EQ(abbreviations.Source(), testing::ProviderSource() + " -> cgdUFs.CarregarComboBox, ");
 
   ListGrid grid;
   TextBox count;
   EXPECT_EQ(ErrorOf([&] { ufs.CarregarMSFlexGridDeBusca(grid, count, "A.Nm_UF = = 'x'"); }).Source(),
-            "SQLite -> cgdUFs.CarregarMSFlexGridDeBusca, ");
+            testing::ProviderSource() + " -> cgdUFs.CarregarMSFlexGridDeBusca, ");
 }
 
 TEST_F(cgdUFsTest, TheGridShowsAbbreviationAndNameAfterTheFixedCell) {

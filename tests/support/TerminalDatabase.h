@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "db/dialect/PgTestDb.h"
@@ -26,6 +27,15 @@ namespace vek::testing {
 inline bool OnPostgres() {
   const char* engine = std::getenv("VEK_TEST_ENGINE");
   return engine != nullptr && EqualsIgnoreCase(engine, "postgresql");
+}
+
+// What differs between the engines, declared once for every behaviour test.
+// The Source that a database failure starts with.
+inline std::string ProviderSource() { return OnPostgres() ? "ODBC" : "SQLite"; }
+// A name as the database's messages spell it (PostgreSQL folds names to
+// lower case).
+inline std::string NameInMessage(std::string_view name) {
+  return OnPostgres() ? LCase(name) : std::string(name);
 }
 
 struct TerminalDatabase {
