@@ -198,6 +198,8 @@ class PostgresTranslator final : public TranslatorBase {
 
   std::string_view SysDatabases() const override { return kSysDatabases; }
 
+  bool MarksRecursiveQueries() const override { return true; }
+
   std::string_view WordReplacement(std::string_view word) override {
     if (EqualsAsciiNoCase(word, "CURRENT_TIMESTAMP")) return "vek_getdate()";
     if (EqualsAsciiNoCase(word, "@@IDENTITY")) return "lastval()";

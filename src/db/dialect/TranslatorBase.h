@@ -294,6 +294,8 @@ class TranslatorBase {
   virtual void EmitTruncate(size_t b, size_t e) = 0;
   // The text that stands for sys.databases.
   virtual std::string_view SysDatabases() const = 0;
+  // Whether a WITH clause must say RECURSIVE for a query that refers to itself.
+  virtual bool MarksRecursiveQueries() const { return false; }
   // The text of a one-word name such as CURRENT_TIMESTAMP or @@IDENTITY;
   // empty for a word that stands as it is.
   virtual std::string_view WordReplacement(std::string_view word) = 0;
@@ -462,6 +464,14 @@ class TranslatorBase {
     const Token& first = At(b);
     if (first.kind == TokenKind::Word && IsProceduralStatement(first.text))
       RaiseDialectError(std::string(first.text) + " statements are not supported on " + Dialect());
+    if (Is(b, Kw::With) && MarksRecursiveQueries() && !(At(b + 1).kind == TokenKind::Word &&
+                                                         EqualsAsciiNoCase(At(b + 1).text, "RECURSIVE"))) {
+      // SQL Server's common table expressions may refer to themselves
+      // without saying so; some dialects need the word.
+      EmitToken(b);
+      out_.append(" RECURSIVE");
+      return EmitSequence(b + 1, e);
+    }
     if (Is(b, Kw::Delete)) return EmitDelete(b, e);
     if (Is(b, Kw::Update)) return EmitUpdate(b, e);
     if (Is(b, Kw::Insert)) return EmitInsert(b, e);
