@@ -2,31 +2,11 @@
 
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/platform/Text.h"
+#include "vek/schema/DdlText.h"
 
 namespace vek::schema {
 
 namespace {
-
-bool IsText(ColumnType type) { return type == ColumnType::VarChar || type == ColumnType::Char; }
-
-std::string Qualified(std::string_view schema, std::string_view name) {
-  std::string text;
-  if (!schema.empty()) {
-    text += schema;
-    text += '.';
-  }
-  text += name;
-  return text;
-}
-
-std::string JoinNames(const std::vector<std::string_view>& names, std::string_view separator) {
-  std::string text;
-  for (size_t i = 0; i < names.size(); ++i) {
-    if (i > 0) text += separator;
-    text += names[i];
-  }
-  return text;
-}
 
 // A single INTEGER key would be SQLite's rowid, which numbers a Null
 // instead of refusing it. Tables keyed by a code the caller gives (a

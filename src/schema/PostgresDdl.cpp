@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "vek/platform/Text.h"
+#include "vek/schema/DdlText.h"
 
 namespace vek::schema {
 
@@ -20,27 +21,6 @@ std::string Lower(std::string_view name) {
   }
   return text;
 }
-
-std::string Qualified(std::string_view schema, std::string_view name) {
-  std::string text;
-  if (!schema.empty()) {
-    text += schema;
-    text += '.';
-  }
-  text += name;
-  return text;
-}
-
-std::string JoinNames(const std::vector<std::string_view>& names, std::string_view separator) {
-  std::string text;
-  for (size_t i = 0; i < names.size(); ++i) {
-    if (i > 0) text += separator;
-    text += names[i];
-  }
-  return text;
-}
-
-bool IsText(ColumnType type) { return type == ColumnType::VarChar || type == ColumnType::Char; }
 
 // The name in lower case, or its first characters and a hash of the whole
 // when it is too long.
