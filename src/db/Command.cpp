@@ -58,12 +58,7 @@ std::shared_ptr<Recordset> Command::Execute(int32_t& records_affected) {
   auto recordset = std::make_shared<Recordset>();
   records_affected = -1;
   if (type_ == adCmdStoredProc) {
-    connection_->NotifyStatement(text_);
-    const Connection::Procedure* procedure = connection_->FindProcedure(text_);
-    if (!procedure) {
-      RaiseDbError(adErrSyntax, "vek", "Could not find stored procedure '" + text_ + "'.");
-    }
-    (*procedure)(*connection_, parameters_);
+    connection_->CallProcedure(text_, parameters_);
     return recordset;
   }
   std::vector<Variant> inputs;

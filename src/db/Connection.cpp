@@ -1,5 +1,7 @@
 #include "vek/db/Connection.h"
 
+#include <utility>
+
 #include "vek/db/DateText.h"
 #include "vek/db/DbError.h"
 #include "vek/db/Recordset.h"
@@ -82,6 +84,24 @@ void Connection::RegisterProcedure(const std::string& name, Procedure procedure)
 const Connection::Procedure* Connection::FindProcedure(const std::string& name) const {
   const auto hit = procedures_.find(FoldCase(name));
   return hit == procedures_.end() ? nullptr : &hit->second;
+}
+
+void Connection::CallProcedure(const std::string& name, Parameters& parameters) {
+  Driver& driver = OpenDriverOrRaise("ADODB.Command");
+  NotifyStatement(name);
+  if (const Procedure* procedure = FindProcedure(name)) {
+    StatementHook hook = std::exchange(hook_, nullptr);
+    try {
+      (*procedure)(*this, parameters);
+    } catch (...) {
+      hook_ = std::move(hook);
+      throw;
+    }
+    hook_ = std::move(hook);
+    return;
+  }
+  if (driver.SqlDialect() == Dialect::PostgreSQL) TellServerTheTime(driver);
+  driver.CallProcedure(name, parameters);
 }
 
 void Connection::NotifyStatement(const std::string& text) {

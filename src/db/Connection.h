@@ -70,9 +70,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void SetClock(std::shared_ptr<Clock> clock);
   std::shared_ptr<Clock> GetClock() const;
 
-  // Stored procedures, looked up by name in any case.
+  // Stored procedures written in C++, looked up by name in any case; they
+  // stand in for the database's own procedures on an engine without them.
   void RegisterProcedure(const std::string& name, Procedure procedure);
   const Procedure* FindProcedure(const std::string& name) const;
+  // Calls a stored procedure: the one registered under the name, else the
+  // database's own. The hook sees the procedure's name only, as a client of
+  // a server sees only the call.
+  void CallProcedure(const std::string& name, Parameters& parameters);
 
   // The choke point (used by Recordset and Command as well).
   QueryResult RunStatement(const std::string& text, std::span<const Variant> parameters = {},
@@ -80,10 +85,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // Writes a row back through the driver; raises 3704 when closed.
   std::optional<int64_t> InsertRow(const RowWrite& row);
   int64_t UpdateRow(const RowWrite& row);
-  // Hands the text to the hook, without running it (stored-procedure calls).
-  void NotifyStatement(const std::string& text);
 
  private:
+  void NotifyStatement(const std::string& text);
   Driver& OpenDriverOrRaise(const char* object);
   const std::string& Translate(const std::string& text);
   void TellServerTheTime(Driver& driver);

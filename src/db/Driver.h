@@ -19,6 +19,7 @@
 namespace vek {
 
 class Clock;
+class Parameters;
 
 // What a driver knows of one column of a result.
 struct ColumnInfo {
@@ -78,6 +79,9 @@ class Driver {
   virtual std::optional<int64_t> Insert(const RowWrite& row) = 0;
   // Updates the row with the given key; returns the rows affected.
   virtual int64_t Update(const RowWrite& row) = 0;
+  // Calls a stored procedure of the database with the parameters in order
+  // and sets the output ones; raises VekError when there is no such procedure.
+  virtual void CallProcedure(const std::string& name, Parameters& parameters) = 0;
   // Releases the engine's handles; never throws.
   virtual void Close() noexcept = 0;
 };

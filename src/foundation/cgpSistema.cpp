@@ -6,6 +6,7 @@
 #include "vek/platform/Clock.h"
 #include "vek/platform/Controls.h"
 #include "vek/platform/Text.h"
+#include "vek/schema/Procedures.h"
 
 namespace vek {
 namespace {
@@ -108,6 +109,7 @@ std::shared_ptr<Connection> cgpSistema::AbrirConexao() {
   auto connection = std::make_shared<Connection>();
   connection->SetClock(clock_);
   connection->Open(Ds_StringConexaoDB());
+  schema::InstallProcedures(*connection);
   connection_ = connection;
   return connection;
 }

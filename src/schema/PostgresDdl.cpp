@@ -5,6 +5,7 @@
 
 #include "vek/platform/Text.h"
 #include "vek/schema/DdlText.h"
+#include "vek/schema/Procedures.h"
 
 namespace vek::schema {
 
@@ -461,6 +462,7 @@ std::vector<std::string> PostgresDdl() {
       statements.push_back(std::move(statement));
     }
   }
+  for (const ProcedureDef& procedure : Procedures()) statements.emplace_back(procedure.postgres);
   return statements;
 }
 

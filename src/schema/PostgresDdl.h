@@ -42,7 +42,7 @@ inline constexpr std::string_view kPostgresAccessControlSchema = "mdestacionamen
 // Every statement, one per element, without a trailing ";": the collations
 // and functions (PostgresSupportDdl), the access-control schema, then the
 // tables in the catalogue's order, each followed by its indexes, bit
-// trigger and fixed rows.
+// trigger and fixed rows, then the database's procedures as functions.
 std::vector<std::string> PostgresDdl();
 
 // The collations vek_ci and vek_fold and the functions that translated text

@@ -44,8 +44,8 @@ TEST(Command, StoredProcedureSetsItsOutputParameters) {
   auto missing = run(6);
   EXPECT_EQ(CLng(missing->Parameters().Item(1).Value()), 1);
   EXPECT_EQ(CStr(missing->Parameters().Item("@DS_ERRO").Value()), "Ticket não encontrado");
-  ASSERT_GE(seen.size(), 2u);
-  EXPECT_EQ(seen[0], "Ticket_Liberar");
+  // The hook sees the call, not the statements the procedure runs.
+  EXPECT_EQ(seen, (std::vector<std::string>{"Ticket_Liberar", "Ticket_Liberar"}));
   EXPECT_EQ(ErrorOf([&] { missing->Parameters().Item("@Nada"); }).Number(), 3265);
 
   auto unknown = std::make_shared<Command>();

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "vek/db/Command.h"
 #include "vek/db/DbError.h"
 #include "vek/foundation/VekError.h"
 #include "vek/platform/Text.h"
@@ -445,16 +446,66 @@ Variant ReadValue(SQLHSTMT statement, SQLUSMALLINT column, FetchKind kind) {
   return Variant::Null();
 }
 
-// One parameter's buffer, alive until the statement has run.
+// One parameter's buffer, alive until the statement has run (and, for an
+// output parameter, until its value has been read back).
 struct BoundParameter {
   SQLLEN indicator = 0;
   SQLINTEGER integer = 0;
+  SQLBIGINT big = 0;
   SQLDOUBLE number = 0;
   SQLCHAR bit = 0;
   SQL_TIMESTAMP_STRUCT timestamp{};
   std::string narrow;
   WideString wide;
 };
+
+// How an output parameter of a procedure is received, by its declared type.
+FetchKind KindOfParameter(DataTypeEnum type) {
+  switch (type) {
+    case adInteger: return FetchKind::Long;
+    case adSmallInt: return FetchKind::Short;
+    case adTinyInt:
+    case adUnsignedTinyInt: return FetchKind::Byte;
+    case adBigInt: return FetchKind::BigInt;
+    case adBoolean: return FetchKind::Boolean;
+    case adSingle:
+    case adDouble: return FetchKind::Double;
+    case adCurrency:
+    case adDecimal:
+    case adNumeric: return FetchKind::Currency;
+    case adDate:
+    case adDBDate:
+    case adDBTimeStamp: return FetchKind::Timestamp;
+    case adDBTime: return FetchKind::Time;
+    default: return FetchKind::Text;
+  }
+}
+
+Variant OutputValue(const BoundParameter& buffer, FetchKind kind) {
+  if (buffer.indicator == SQL_NULL_DATA) return Variant::Null();
+  switch (kind) {
+    case FetchKind::Long: return Variant(static_cast<int32_t>(buffer.integer));
+    case FetchKind::Short: return Variant(static_cast<int16_t>(buffer.integer));
+    case FetchKind::Byte: return Variant(static_cast<uint8_t>(buffer.integer));
+    case FetchKind::BigInt: return Variant(static_cast<int64_t>(buffer.big));
+    case FetchKind::Boolean: return Variant(buffer.bit != 0);
+    case FetchKind::Double: return Variant(static_cast<double>(buffer.number));
+    case FetchKind::Currency: {
+      const std::string text(buffer.narrow.c_str());
+      if (std::optional<Currency> value = ParseCurrency(text)) return Variant(*value);
+      return Variant(text);
+    }
+    case FetchKind::Timestamp:
+    case FetchKind::Time: return Variant(DateOf(buffer.timestamp));
+    case FetchKind::Text: {
+      const size_t length = buffer.indicator == SQL_NO_TOTAL
+                                ? std::char_traits<SQLWCHAR>::length(buffer.wide.data())
+                                : static_cast<size_t>(buffer.indicator) / sizeof(SQLWCHAR);
+      return Variant(Narrow(buffer.wide.data(), std::min(length, buffer.wide.size() - 1)));
+    }
+  }
+  return Variant::Null();
+}
 
 std::optional<int64_t> IdentityOf(const Variant& value) {
   switch (value.Type()) {
@@ -541,6 +592,47 @@ class OdbcDriver final : public Driver {
       }
     }
     return RunText(text, values, false).records_affected;
+  }
+
+  void CallProcedure(const std::string& name, Parameters& parameters) override {
+    if (!connection_) RaiseDbError(adErrUnspecified, kSource, "The connection is closed.");
+    // The call escape, which each driver turns into its server's own call
+    // (PostgreSQL: a SELECT of the function, whose OUT values fill the outputs).
+    const int32_t count = parameters.Count();
+    const bool returns_value = count > 0 && parameters.Item(0).Direction() == adParamReturnValue;
+    std::string text = returns_value ? "{? = call " : "{call ";
+    text += name + "(";
+    for (int32_t i = returns_value ? 1 : 0; i < count; ++i) text += i > (returns_value ? 1 : 0) ? ",?" : "?";
+    text += ")}";
+    CachedStatement& cached = Prepare(text);
+    SQLHSTMT statement = cached.handle.Get();
+    std::vector<BoundParameter> bound(static_cast<size_t>(count));
+    std::vector<FetchKind> kinds(static_cast<size_t>(count));
+    {
+      CursorCloser closer(statement);
+      for (int32_t i = 0; i < count; ++i) {
+        const Parameter& parameter = parameters.Item(i);
+        const auto number = static_cast<SQLUSMALLINT>(i + 1);
+        BoundParameter& buffer = bound[static_cast<size_t>(i)];
+        if (IsOutput(parameter.Direction())) {
+          kinds[static_cast<size_t>(i)] = KindOfParameter(parameter.Type());
+          BindOutput(statement, number, parameter, kinds[static_cast<size_t>(i)], buffer);
+        } else {
+          Bind(statement, number, parameter.Value(), buffer);
+        }
+      }
+      SQLRETURN code = SQLExecute(statement);
+      if (code != SQL_NO_DATA) Check(code, SQL_HANDLE_STMT, statement);
+      // The result set the call opens is closed; SQL Server hands the output
+      // values over only after its last result.
+      while ((code = SQLMoreResults(statement)) != SQL_NO_DATA) Check(code, SQL_HANDLE_STMT, statement);
+    }
+    for (int32_t i = 0; i < count; ++i) {
+      Parameter& parameter = parameters.Item(i);
+      if (IsOutput(parameter.Direction())) {
+        parameter.Value(OutputValue(bound[static_cast<size_t>(i)], kinds[static_cast<size_t>(i)]));
+      }
+    }
   }
 
   void Close() noexcept override {
@@ -723,6 +815,64 @@ class OdbcDriver final : public Driver {
       }
     }
     Check(code, SQL_HANDLE_STMT, statement);
+  }
+
+  static bool IsOutput(ParameterDirectionEnum direction) {
+    return direction == adParamOutput || direction == adParamInputOutput || direction == adParamReturnValue;
+  }
+
+  // An output (or input-output) parameter into a buffer of its declared type
+  // and size; an input-output one starts with its value.
+  void BindOutput(SQLHSTMT statement, SQLUSMALLINT number, const Parameter& parameter, FetchKind kind,
+                  BoundParameter& buffer) {
+    const bool input = parameter.Direction() == adParamInputOutput;
+    const Variant& value = parameter.Value();
+    const bool has_value = input && !value.IsNull() && !value.IsEmpty();
+    buffer.indicator = input && !has_value ? SQL_NULL_DATA : 0;
+    const auto bind = [&](SQLSMALLINT c_type, SQLSMALLINT sql_type, SQLULEN size, SQLSMALLINT digits, void* data,
+                          SQLLEN length) {
+      Check(SQLBindParameter(statement, number, input ? SQL_PARAM_INPUT_OUTPUT : SQL_PARAM_OUTPUT, c_type, sql_type,
+                             size, digits, data, length, &buffer.indicator),
+            SQL_HANDLE_STMT, statement);
+    };
+    switch (kind) {
+      case FetchKind::Long:
+      case FetchKind::Short:
+      case FetchKind::Byte:
+        if (has_value) buffer.integer = CLng(value);
+        return bind(SQL_C_SLONG, SQL_INTEGER, 10, 0, &buffer.integer, 0);
+      case FetchKind::BigInt:
+        if (has_value) buffer.big = static_cast<SQLBIGINT>(std::llround(CDbl(value)));
+        return bind(SQL_C_SBIGINT, SQL_BIGINT, 19, 0, &buffer.big, 0);
+      case FetchKind::Boolean:
+        if (has_value) buffer.bit = CBool(value) ? 1 : 0;
+        return bind(SQL_C_BIT, SQL_BIT, 1, 0, &buffer.bit, 0);
+      case FetchKind::Double:
+        if (has_value) buffer.number = CDbl(value);
+        return bind(SQL_C_DOUBLE, SQL_DOUBLE, 15, 0, &buffer.number, 0);
+      case FetchKind::Currency:
+        if (has_value) buffer.narrow = CCur(value).ToPlainString();
+        if (has_value) buffer.indicator = static_cast<SQLLEN>(buffer.narrow.size());
+        buffer.narrow.resize(48, '\0');
+        return bind(SQL_C_CHAR, SQL_NUMERIC, 19, 4, buffer.narrow.data(), static_cast<SQLLEN>(buffer.narrow.size()));
+      case FetchKind::Timestamp:
+      case FetchKind::Time: {
+        const int digits = dialect_ == Dialect::PostgreSQL ? 6 : 3;
+        if (has_value) buffer.timestamp = TimestampOf(CDate(value), digits);
+        return bind(SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, static_cast<SQLULEN>(20 + digits),
+                    static_cast<SQLSMALLINT>(digits), &buffer.timestamp, sizeof buffer.timestamp);
+      }
+      case FetchKind::Text: {
+        if (has_value) buffer.wide = Wide(CStr(value));
+        if (has_value) buffer.indicator = static_cast<SQLLEN>(buffer.wide.size() * sizeof(SQLWCHAR));
+        const size_t capacity = std::max<size_t>({static_cast<size_t>(std::max(parameter.Size(), 0)),
+                                                  buffer.wide.size(), 1});
+        buffer.wide.resize(capacity + 1, 0);
+        const SQLSMALLINT sql_type = capacity > 4000 ? SQL_WLONGVARCHAR : SQL_WVARCHAR;
+        return bind(SQL_C_WCHAR, sql_type, capacity, 0, buffer.wide.data(),
+                    static_cast<SQLLEN>(buffer.wide.size() * sizeof(SQLWCHAR)));
+      }
+    }
   }
 
   void DescribeColumns(CachedStatement& cached, SQLSMALLINT count) {

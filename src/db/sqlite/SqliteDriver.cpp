@@ -263,6 +263,12 @@ class SqliteDriver final : public Driver {
     return Run(text, values).records_affected;
   }
 
+  // SQLite has no procedures: the system's own are registered on the
+  // connection in C++, so a call that reaches the driver names none.
+  void CallProcedure(const std::string& name, Parameters& /*parameters*/) override {
+    RaiseDbError(adErrSyntax, kSource, "Could not find stored procedure '" + name + "'.");
+  }
+
   void Close() noexcept override {
     statements_.clear();
     lru_.clear();

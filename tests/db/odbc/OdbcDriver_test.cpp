@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/TestSupport.h"
+#include "vek/db/Command.h"
 #include "vek/db/Connection.h"
 #include "vek/db/DbError.h"
 #include "vek/db/Driver.h"
@@ -48,6 +49,13 @@ class OdbcDriverTest : public ::testing::Test {
     Run("CREATE TABLE " + table + " (" + columns + ")");
     created_.push_back("TABLE IF EXISTS " + table);
     return table;
+  }
+
+  std::string NewFunction(const std::string& name, const std::string& rest) {
+    const std::string function = "odbc_" + name + "_" + std::to_string(::getpid());
+    Run("CREATE OR REPLACE FUNCTION " + function + rest);
+    created_.push_back("FUNCTION IF EXISTS " + function);
+    return function;
   }
 
   std::string NewSchema(const std::string& name) {
@@ -385,6 +393,50 @@ TEST_F(OdbcDriverTest, ConstraintViolationsAndSyntaxErrorsKeepTheServersMessage)
 
   // The connection is still good after the errors.
   EXPECT_EQ(Run("SELECT count(*) FROM " + parent).rows.at(0).at(0), Variant(2));
+}
+
+TEST_F(OdbcDriverTest, ProcedureCallsSetOutputParametersOfEachType) {
+  const std::string function = NewFunction(
+      "outputs", "(a integer, INOUT b varchar, OUT n numeric(19,4), OUT d timestamp, OUT t varchar, OUT z integer) "
+                 "LANGUAGE plpgsql AS $$ BEGIN b := b || 'ção'; n := a / 3.0; d := '2026-11-21 10:30:05'; "
+                 "t := repeat('x', a * 1000); z := NULL; END $$");
+  const auto call = [&](int32_t a, Variant b) {
+    Parameters parameters;
+    parameters.Append(std::make_shared<Parameter>("@a", adInteger, adParamInput, 0, Variant(a)));
+    parameters.Append(std::make_shared<Parameter>("@b", adVarChar, adParamInputOutput, 20, std::move(b)));
+    parameters.Append(std::make_shared<Parameter>("@n", adCurrency, adParamOutput, 0, Variant()));
+    parameters.Append(std::make_shared<Parameter>("@d", adDate, adParamOutput, 0, Variant()));
+    parameters.Append(std::make_shared<Parameter>("@t", adVarChar, adParamOutput, 5000, Variant()));
+    parameters.Append(std::make_shared<Parameter>("@z", adInteger, adParamOutput, 0, Variant(7)));
+    driver_->CallProcedure(function, parameters);
+    return parameters;
+  };
+  Parameters first = call(1, Variant("não"));
+  EXPECT_EQ(first.Item("@b").Value(), Variant("nãoção"));
+  EXPECT_EQ(first.Item("@n").Value(), Variant(Currency::FromRaw(3333)));
+  EXPECT_EQ(first.Item("@d").Value(), Variant(DateSerial(2026, 11, 21) + TimeSerial(10, 30, 5)));
+  EXPECT_EQ(Len(CStr(first.Item("@t").Value())), 1000);
+  EXPECT_TRUE(first.Item("@z").Value().IsNull());
+  // Called again on the same prepared call, with a text beyond 4000 characters.
+  Parameters second = call(5, Variant("a"));
+  EXPECT_EQ(second.Item("@b").Value(), Variant("ação"));
+  EXPECT_EQ(Len(CStr(second.Item("@t").Value())), 5000);
+
+  const std::string sum = NewFunction("sum", "(a integer, b integer) RETURNS integer LANGUAGE sql AS $$ SELECT a + b $$");
+  Parameters with_result;
+  with_result.Append(std::make_shared<Parameter>("@RETURN_VALUE", adInteger, adParamReturnValue, 0, Variant()));
+  with_result.Append(std::make_shared<Parameter>("@a", adInteger, adParamInput, 0, Variant(40)));
+  with_result.Append(std::make_shared<Parameter>("@b", adInteger, adParamInput, 0, Variant(2)));
+  driver_->CallProcedure(sum, with_result);
+  EXPECT_EQ(with_result.Item(0).Value(), Variant(42));
+
+  Parameters none;
+  const VekError missing = ErrorOf([&] { driver_->CallProcedure("odbc_no_such_procedure", none); });
+  EXPECT_EQ(missing.Number(), adErrSyntax);
+  EXPECT_EQ(missing.Source(), "ODBC");
+  EXPECT_NE(missing.Description().find("odbc_no_such_procedure"), std::string::npos) << missing.Description();
+  // The connection is still good after the failed call.
+  EXPECT_EQ(Run("SELECT 1").rows.at(0).at(0), Variant(1));
 }
 
 }  // namespace
