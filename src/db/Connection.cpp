@@ -26,6 +26,15 @@ void RefuseMoreThanOneStatement(const std::string& text) {
   }
 }
 
+std::string TranslateFor(Dialect dialect, std::string_view text) {
+  switch (dialect) {
+    case Dialect::SQLite: return dialect::TranslateToSqlite(text);
+    case Dialect::PostgreSQL: return dialect::TranslateToPostgres(text);
+    case Dialect::SqlServer: break;
+  }
+  return std::string(text);  // SQL Server text passes as it is
+}
+
 }  // namespace
 
 Connection::Connection() : clock_(std::make_shared<SystemClock>()) {}
@@ -117,12 +126,7 @@ const std::string& Connection::Translate(const std::string& text) {
   if (auto hit = translations_.find(text); hit != translations_.end()) return hit->second;
   // Only text that passed the guard is cached, so a cached text skips it.
   RefuseMoreThanOneStatement(text);
-  std::string translated;
-  switch (driver_->SqlDialect()) {
-    case Dialect::SQLite: translated = dialect::TranslateToSqlite(text); break;
-    case Dialect::SqlServer: translated = text; break;
-    case Dialect::PostgreSQL: translated = dialect::TranslateToPostgres(text); break;
-  }
+  std::string translated = TranslateFor(driver_->SqlDialect(), text);
   if (translations_.size() >= kMaxCachedTranslations) translations_.clear();
   return translations_.emplace(text, std::move(translated)).first->second;
 }
@@ -131,10 +135,10 @@ const Connection::ShapeEntry& Connection::Shape(const std::string& text, const S
   if (auto hit = shapes_.find(shape.key); hit != shapes_.end()) return hit->second;
   // A shape is checked once: what holds for one text of it holds for all.
   RefuseMoreThanOneStatement(text);
+  const Dialect dialect = driver_->SqlDialect();
   ShapeEntry entry;
-  if (auto translated = TranslateShape(text, [](std::string_view probe) {
-        return dialect::TranslateToSqlite(probe);
-      })) {
+  if (auto translated = TranslateShape(text, dialect,
+                                       [dialect](std::string_view probe) { return TranslateFor(dialect, probe); })) {
     entry.usable = true;
     entry.text = std::move(translated->text);
     entry.order = std::move(translated->order);
@@ -147,9 +151,11 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
                                      bool translate) {
   Driver& driver = OpenDriverOrRaise("ADODB.Connection");
   NotifyStatement(text);
-  if (driver.SqlDialect() == Dialect::PostgreSQL) TellServerTheTime(driver);
-  if (translate && parameters.empty() && driver.SqlDialect() == Dialect::SQLite) {
-    if (std::optional<StatementShape> shape = ShapeOf(text)) {
+  const Dialect dialect = driver.SqlDialect();
+  if (dialect == Dialect::PostgreSQL) TellServerTheTime(driver);
+  // SQL Server's own text is not shaped: bound, its literals would change type.
+  if (translate && parameters.empty() && dialect != Dialect::SqlServer) {
+    if (std::optional<StatementShape> shape = ShapeOf(text, dialect)) {
       const ShapeEntry& entry = Shape(text, *shape);
       if (entry.usable) {
         std::vector<Variant> literals;

@@ -72,11 +72,14 @@ class Context {
       listing_positions_ = false;
     }
     previous_is_top_ = token.kind == TokenKind::Word && IsKeyword(token, "TOP");
+    // A LIKE pattern's characters choose the form of its translation.
+    previous_is_like_ = token.kind == TokenKind::Word && (IsKeyword(token, "LIKE") || IsKeyword(token, "ESCAPE"));
     previous_ = token.kind == TokenKind::Word ? token.text : std::string_view();
   }
 
   // Whether a literal seen now must stay as it is.
   bool KeepsLiteral() const {
+    if (previous_is_like_) return true;
     if (previous_is_top_ || (top_parenthesis_ != 0 && top_parenthesis_ == functions_.size())) return true;
     if (listing_positions_) return true;
     for (bool convert : functions_) {
@@ -89,6 +92,7 @@ class Context {
   std::vector<bool> functions_;  // per open parenthesis: a CONVERT or CAST call
   std::string_view previous_;
   bool previous_is_top_ = false;
+  bool previous_is_like_ = false;
   size_t top_parenthesis_ = 0;
   bool listing_positions_ = false;
   size_t list_depth_ = 0;
@@ -96,7 +100,8 @@ class Context {
 
 // Walks the statement's tokens once, building its shape and, when asked, its
 // probe text. The text between literals is copied in one piece.
-std::optional<StatementShape> Walk(std::string_view text, std::string* probe_text) {
+std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::string* probe_text) {
+  const bool decimals_bound = dialect != Dialect::PostgreSQL;
   StatementShape shape;
   try {
     dialect::Tokenizer tokenizer(text);
@@ -119,6 +124,7 @@ std::optional<StatementShape> Walk(std::string_view text, std::string* probe_tex
       if (!context.KeepsLiteral()) {
         if (token.kind == TokenKind::Number) {
           value = NumberValue(token.text);
+          if (value && value->Type() != VariantType::Long && !decimals_bound) value.reset();
           if (value) kind = value->Type() == VariantType::Long ? 'i' : 'r';
         } else if (token.kind == TokenKind::String || token.kind == TokenKind::NationalString) {
           kind = dialect::IsSqliteDateLiteral(token) ? 'd' : 's';
@@ -154,12 +160,14 @@ std::optional<StatementShape> Walk(std::string_view text, std::string* probe_tex
 
 }  // namespace
 
-std::optional<StatementShape> ShapeOf(std::string_view text) { return Walk(text, nullptr); }
+std::optional<StatementShape> ShapeOf(std::string_view text, Dialect dialect) {
+  return Walk(text, dialect, nullptr);
+}
 
 std::optional<ShapedTranslation> TranslateShape(
-    std::string_view text, const std::function<std::string(std::string_view)>& translate) {
+    std::string_view text, Dialect dialect, const std::function<std::string(std::string_view)>& translate) {
   std::string probe_text;
-  const std::optional<StatementShape> shape = Walk(text, &probe_text);
+  const std::optional<StatementShape> shape = Walk(text, dialect, &probe_text);
   if (!shape) return std::nullopt;
   std::string translated;
   try {
@@ -202,6 +210,12 @@ std::optional<ShapedTranslation> TranslateShape(
     found[*index] = true;
     result.order.push_back(*index);
     result.text.push_back('?');
+    // PostgreSQL reads an integer literal as integer but a parameter as of
+    // unknown type, which "- ?" or "? + 1" can't resolve; text stays unknown
+    // like its literal.
+    if (dialect == Dialect::PostgreSQL && shape->literals[*index].Type() == VariantType::Long) {
+      result.text.append("::integer");
+    }
   }
   for (bool seen : found) {
     if (!seen) return std::nullopt;

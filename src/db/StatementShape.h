@@ -6,8 +6,10 @@
 //
 // Only SELECT, INSERT, UPDATE and DELETE are shaped; literals whose value
 // changes what a statement means stay in the shape (TOP n, ORDER BY and
-// GROUP BY positions, CONVERT's arguments), and a string that is a date is a
-// literal of another kind than one that is not.
+// GROUP BY positions, CONVERT's arguments, LIKE patterns and their escape),
+// and a string that is a date is a literal of another kind than one that is
+// not. For PostgreSQL, decimals stay too: bound, they would be double
+// precision where the literal is NUMERIC.
 
 #include <cstdint>
 #include <functional>
@@ -16,6 +18,7 @@
 #include <string_view>
 #include <vector>
 
+#include "vek/db/Enums.h"
 #include "vek/platform/Variant.h"
 
 namespace vek {
@@ -28,7 +31,7 @@ struct StatementShape {
 // The shape of a statement, or nothing when it can't be shaped (another
 // kind of statement, parameters of its own, no literals, a text the
 // tokenizer refuses).
-std::optional<StatementShape> ShapeOf(std::string_view text);
+std::optional<StatementShape> ShapeOf(std::string_view text, Dialect dialect = Dialect::SQLite);
 
 // A shape's translation with "?" for each literal, and for each "?" in order
 // the index of the literal it takes.
@@ -42,6 +45,6 @@ struct ShapedTranslation {
 // in the translation; nothing when the translation moved, repeated or
 // dropped one, or refused the probe text.
 std::optional<ShapedTranslation> TranslateShape(
-    std::string_view text, const std::function<std::string(std::string_view)>& translate);
+    std::string_view text, Dialect dialect, const std::function<std::string(std::string_view)>& translate);
 
 }  // namespace vek

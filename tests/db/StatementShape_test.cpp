@@ -63,6 +63,21 @@ TEST_F(StatementShapeTest, LiteralsThatChangeTheMeaningStayInTheShape) {
   EXPECT_EQ(Column(connection_->Execute(
                 "SELECT CONVERT(Varchar, Dt_Cadastro, 108) FROM TbBairro WHERE Cd_Bairro = 1")),
             "23:59:59;");
+  // A LIKE pattern and its escape stay: a [set] or a backslash changes the
+  // server's form; for PostgreSQL a decimal stays too, as NUMERIC.
+  const auto plain = ShapeOf("SELECT * FROM TbBairro WHERE Nm_Bairro LIKE 'C%' AND Cd_Bairro > 0");
+  const auto set = ShapeOf("SELECT * FROM TbBairro WHERE Nm_Bairro LIKE '[AC]%' AND Cd_Bairro > 0");
+  ASSERT_TRUE(plain && set);
+  EXPECT_NE(plain->key, set->key);
+  EXPECT_EQ(set->literals, std::vector<Variant>{Variant(0)});
+  EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE A LIKE 'x!%' ESCAPE '!' AND B = 1")->literals.size(), 1u);
+  EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE V = 2.5 AND B = 1")->literals.size(), 2u);
+  EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE V = 2.5 AND B = 1", Dialect::PostgreSQL)->literals,
+            std::vector<Variant>{Variant(1)});
+  EXPECT_EQ(Column(connection_->Execute("SELECT Nm_Bairro FROM TbBairro WHERE Nm_Bairro LIKE '[AC]%' ORDER BY 1")),
+            "Aeroporto;Centro;");
+  EXPECT_EQ(Column(connection_->Execute("SELECT Nm_Bairro FROM TbBairro WHERE Nm_Bairro LIKE 'V%' ORDER BY 1")),
+            "Vila;");
 }
 
 TEST_F(StatementShapeTest, EveryTextOfAShapeRunsWithItsOwnValues) {
@@ -90,14 +105,15 @@ TEST_F(StatementShapeTest, EveryTextOfAShapeRunsWithItsOwnValues) {
 
 TEST_F(StatementShapeTest, AShapeWhoseTranslationMovesALiteralIsNotParameterized) {
   // A translation that drops or repeats a probe can't carry the literals as parameters.
-  const auto dropping = TranslateShape("SELECT * FROM TbBairro WHERE Cd_Bairro = 5",
+  const auto dropping = TranslateShape("SELECT * FROM TbBairro WHERE Cd_Bairro = 5", Dialect::SQLite,
                                        [](std::string_view) { return std::string("SELECT 1"); });
   EXPECT_FALSE(dropping);
-  const auto repeating = TranslateShape("SELECT * FROM TbBairro WHERE Cd_Bairro = 5", [](std::string_view probe) {
+  const auto repeating = TranslateShape("SELECT * FROM TbBairro WHERE Cd_Bairro = 5", Dialect::SQLite,
+                                        [](std::string_view probe) {
     return std::string(probe) + " OR Cd_Bairro = " + std::string(probe.substr(probe.rfind(' ') + 1));
   });
   EXPECT_FALSE(repeating);
-  const auto faithful = TranslateShape("SELECT * FROM TbBairro WHERE Cd_Bairro = 5 AND Nm_Bairro = N'x'",
+  const auto faithful = TranslateShape("SELECT * FROM TbBairro WHERE Cd_Bairro = 5 AND Nm_Bairro = N'x'", Dialect::SQLite,
                                        [](std::string_view probe) { return dialect::TranslateToSqlite(probe); });
   ASSERT_TRUE(faithful);
   EXPECT_EQ(faithful->text, "SELECT * FROM TbBairro WHERE Cd_Bairro = ? AND Nm_Bairro = ?");
