@@ -2,6 +2,8 @@
 // statements as on the embedded database, translated on the way.
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -48,14 +50,31 @@ TEST(PostgresProtocol, ANeighbourhoodIsSavedLoadedChangedAndDeletedWithTheSameSt
   ASSERT_EQ(seen.size(), 1u);
   EXPECT_EQ(seen[0], "SELECT A.*\rFROM   TbBairro A\rWHERE  A.Cd_Bairro = 0\r;\r");
 
-  // Another workstation sees what the first saved.
+  // Another workstation, in a process of its own, sees what the first saved
+  // and changes it.
+  const pid_t workstation = fork();
+  ASSERT_GE(workstation, 0);
+  if (workstation == 0) {
+    int status = 1;
+    try {
+      cgdBairro other;
+      other.Ob_cgpSistema(ServerSession(server.Name()));
+      other.Ob_cgp()->Let("Cd_Bairro", Variant(code));
+      if (CStr(other.Consultar(false)->Get("Nm_Bairro")) == "Setor Oeste d'Ávila") {
+        other.Ob_cgp()->Let("Nm_Bairro", Variant("Setor Sul"));
+        other.Salvar();
+        status = 0;
+      }
+    } catch (...) {
+      status = 2;
+    }
+    _exit(status);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(workstation, &status, 0), workstation);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0) << "1: the other workstation read another name; 2: it failed";
   auto other_session = ServerSession(server.Name());
-  cgdBairro other;
-  other.Ob_cgpSistema(other_session);
-  other.Ob_cgp()->Let("Cd_Bairro", Variant(code));
-  EXPECT_EQ(CStr(other.Consultar(false)->Get("Nm_Bairro")), "Setor Oeste d'Ávila");
-  other.Ob_cgp()->Let("Nm_Bairro", Variant("Setor Sul"));
-  other.Salvar();
 
   bairro.Consultar();
   EXPECT_EQ(CStr(bairro.Ob_cgp()->Get("Nm_Bairro")), "Setor Sul");
