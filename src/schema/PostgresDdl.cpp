@@ -462,7 +462,7 @@ std::vector<std::string> PostgresDdl() {
       statements.push_back(std::move(statement));
     }
   }
-  for (const ProcedureDef& procedure : Procedures()) statements.emplace_back(procedure.postgres);
+  for (const ProcedureDef& procedure : Procedures()) statements.push_back(procedure.postgres);
   return statements;
 }
 

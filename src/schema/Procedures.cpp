@@ -14,6 +14,8 @@ constexpr int32_t kGateCodeLength = 13;
 
 constexpr std::string_view kTicketNotFound = "Ticket de estacionamento não encontrado";
 constexpr std::string_view kTicketWithoutCode = "Ticket sem código de acesso da Madis";
+constexpr std::string_view kTicketNotAtGatesBefore = "Ticket ";  // then the code
+constexpr std::string_view kTicketNotAtGatesAfter = " sem entrada registrada na Madis";
 constexpr std::string_view kClientNotFound = "Cliente de estacionamento não encontrado";
 constexpr std::string_view kClientUnknownToGates = "Cliente não cadastrado na Madis";
 constexpr std::string_view kCardNotFound = "Cartão de estacionamento não encontrado";
@@ -74,7 +76,7 @@ void LiberarTicketMadis(Connection& db, Parameters& parameters) {
   Run(db, "DELETE FROM MDESTACIONAMENTO.dbo.CARTOESAVULSOSBLOQUEADOS WHERE CODIGOCARTAO = ?", {code});
   if (Run(db, "SELECT CODIGOCARTAO FROM MDESTACIONAMENTO.dbo.CARTOESAVULSOS WHERE CODIGOCARTAO = ?", {code})
           .rows.empty()) {
-    call.Warn("Ticket " + CStr(code) + " sem entrada registrada na Madis");
+    call.Warn(std::string(kTicketNotAtGatesBefore) + CStr(code) + std::string(kTicketNotAtGatesAfter));
   }
 }
 
@@ -159,128 +161,116 @@ void ExcluirClienteCartaoMadis(Connection& db, Parameters& parameters) {
   }
 }
 
-// The PostgreSQL functions. Their own tables are found through the
-// search_path, as every statement of the terminal finds them; the
-// parameters are p_* so that they never shadow a column.
-constexpr std::string_view kLiberarTicketMadis = R"(CREATE OR REPLACE FUNCTION ticketestacionamento_liberarticketmadis(
-  p_empresa integer, p_ticket integer, OUT no_retorno integer, OUT ds_erro varchar, OUT ds_aviso varchar)
-LANGUAGE plpgsql AS $$
-DECLARE
-  v_ticket text;
-  v_codigo text;
-BEGIN
-  no_retorno := 0; ds_erro := ''; ds_aviso := '';
-  SELECT ds_ticket INTO v_ticket FROM tbticketestacionamento
-  WHERE cd_empresausuariasistema = p_empresa AND cd_ticketestacionamento = p_ticket;
-  IF NOT FOUND THEN
-    no_retorno := 1; ds_erro := 'Ticket de estacionamento não encontrado'; RETURN;
-  END IF;
-  IF length(COALESCE(v_ticket, '')) <= 13 THEN
-    no_retorno := 2; ds_erro := 'Ticket sem código de acesso da Madis'; RETURN;
-  END IF;
-  v_codigo := left(v_ticket, 13);
-  DELETE FROM mdestacionamento.cartoesavulsosbloqueados WHERE codigocartao = v_codigo;
-  IF NOT EXISTS (SELECT 1 FROM mdestacionamento.cartoesavulsos WHERE codigocartao = v_codigo) THEN
-    ds_aviso := 'Ticket ' || v_codigo || ' sem entrada registrada na Madis';
-  END IF;
-END
-$$)";
+// ---- the PostgreSQL functions ------------------------------------------------
+// Their own tables are found through the search_path, as every statement of
+// the terminal finds them; parameters are p_* so that they never shadow a
+// column. The texts the caller sees are the constants above.
 
-constexpr std::string_view kAtualizarClienteMadis = R"(CREATE OR REPLACE FUNCTION clienteestacionamento_atualizarclientemadis(
-  p_empresa integer, p_cliente integer, OUT no_retorno integer, OUT ds_erro varchar, OUT ds_aviso varchar)
-LANGUAGE plpgsql AS $$
-DECLARE
-  v_nome varchar;
-BEGIN
-  no_retorno := 0; ds_erro := ''; ds_aviso := '';
-  SELECT COALESCE(p.nm_pessoa, '') INTO v_nome
-  FROM tbclienteestacionamento c LEFT JOIN tbpessoa p ON p.cd_pessoa = c.cd_clienteestacionamento
-  WHERE c.cd_empresausuariasistema = p_empresa AND c.cd_clienteestacionamento = p_cliente;
-  IF NOT FOUND THEN
-    no_retorno := 1; ds_erro := 'Cliente de estacionamento não encontrado'; RETURN;
-  END IF;
-  UPDATE mdestacionamento.cliente SET nome = v_nome WHERE idempresacadastro = p_empresa AND idcliente = p_cliente;
-  IF NOT FOUND THEN
-    INSERT INTO mdestacionamento.cliente (idempresacadastro, idcliente, nome, vagasemuso)
-    VALUES (p_empresa, p_cliente, v_nome, 0);
-  END IF;
-END
-$$)";
+std::string Sql(std::string_view text) {
+  std::string quoted = "'";
+  for (const char c : text) {
+    if (c == '\'') quoted.push_back('\'');
+    quoted.push_back(c);
+  }
+  return quoted + "'";
+}
 
-constexpr std::string_view kExcluirClienteMadis = R"(CREATE OR REPLACE FUNCTION clienteestacionamento_excluirclientemadis(
-  p_empresa integer, p_cliente integer, OUT no_retorno integer, OUT ds_erro varchar, OUT ds_aviso varchar)
-LANGUAGE plpgsql AS $$
-BEGIN
-  no_retorno := 0; ds_erro := ''; ds_aviso := '';
-  DELETE FROM mdestacionamento.clientecartao WHERE idempresacadastro = p_empresa AND idcliente = p_cliente;
-  DELETE FROM mdestacionamento.cliente WHERE idempresacadastro = p_empresa AND idcliente = p_cliente;
-  IF NOT FOUND THEN
-    ds_aviso := 'Cliente não cadastrado na Madis';
-  END IF;
-END
-$$)";
+std::string PgFail(int32_t code, std::string_view error) {
+  return "    no_retorno := " + std::to_string(code) + "; ds_erro := " + Sql(error) + "; RETURN;\n";
+}
 
-constexpr std::string_view kAtualizarClienteCartaoMadis = R"(CREATE OR REPLACE FUNCTION cartaoestacionamento_atualizarclientecartaomadis(
-  p_empresa integer, p_cartao integer, OUT no_retorno integer, OUT ds_erro varchar, OUT ds_aviso varchar)
-LANGUAGE plpgsql AS $$
-DECLARE
-  v_cartao record;
-  v_codigo text;
-BEGIN
-  no_retorno := 0; ds_erro := ''; ds_aviso := '';
-  SELECT cd_clienteestacionamento, ds_identificacaocartao, nm_portador, ic_ativo INTO v_cartao
-  FROM tbcartaoestacionamento
-  WHERE cd_empresausuariasistema = p_empresa AND cd_cartaoestacionamento = p_cartao;
-  IF NOT FOUND THEN
-    no_retorno := 1; ds_erro := 'Cartão de estacionamento não encontrado'; RETURN;
-  END IF;
-  IF v_cartao.ic_ativo = 0 THEN
-    DELETE FROM mdestacionamento.clientecartao WHERE idempresacartao = p_empresa AND idcartao = p_cartao;
-    ds_aviso := 'Cartão inativo retirado da Madis'; RETURN;
-  END IF;
-  IF NOT EXISTS (SELECT 1 FROM mdestacionamento.cliente
-                 WHERE idempresacadastro = p_empresa AND idcliente = v_cartao.cd_clienteestacionamento) THEN
-    no_retorno := 2; ds_erro := 'Cliente do cartão não cadastrado na Madis'; RETURN;
-  END IF;
-  v_codigo := btrim(COALESCE(v_cartao.ds_identificacaocartao, '')) COLLATE "C";
-  IF v_codigo !~ '^[0-9]{1,9}$' THEN
-    no_retorno := 3; ds_erro := 'Identificação do cartão não é numérica'; RETURN;
-  END IF;
-  UPDATE mdestacionamento.clientecartao
-  SET idempresacadastro = p_empresa, idcliente = v_cartao.cd_clienteestacionamento,
-      codigocartao = CAST(v_codigo AS integer), nomeproprietario = COALESCE(v_cartao.nm_portador, '')
-  WHERE idempresacartao = p_empresa AND idcartao = p_cartao;
-  IF NOT FOUND THEN
-    INSERT INTO mdestacionamento.clientecartao
-      (idempresacadastro, idcliente, idempresacartao, idcartao, codigocartao, nomeproprietario)
-    VALUES (p_empresa, v_cartao.cd_clienteestacionamento, p_empresa, p_cartao, CAST(v_codigo AS integer),
-            COALESCE(v_cartao.nm_portador, ''));
-  END IF;
-END
-$$)";
+std::string PgWarn(std::string_view warning) { return "    ds_aviso := " + Sql(warning) + ";\n"; }
 
-constexpr std::string_view kExcluirClienteCartaoMadis = R"(CREATE OR REPLACE FUNCTION cartaoestacionamento_excluirclientecartaomadis(
-  p_empresa integer, p_cartao integer, OUT no_retorno integer, OUT ds_erro varchar, OUT ds_aviso varchar)
-LANGUAGE plpgsql AS $$
-BEGIN
-  no_retorno := 0; ds_erro := ''; ds_aviso := '';
-  DELETE FROM mdestacionamento.clientecartao WHERE idempresacartao = p_empresa AND idcartao = p_cartao;
-  IF NOT FOUND THEN
-    ds_aviso := 'Cartão não cadastrado na Madis';
-  END IF;
-END
-$$)";
+// The common form: the company and one key in, the three outputs out, and
+// "done" in them before the body runs.
+std::string PgFunction(std::string_view name, std::string_view key, std::string_view declarations,
+                       const std::string& body) {
+  return "CREATE OR REPLACE FUNCTION " + LCase(name) + "(\n  p_empresa integer, " + std::string(key) +
+         " integer, OUT no_retorno integer, OUT ds_erro varchar, OUT ds_aviso varchar)\n"
+         "LANGUAGE plpgsql AS $$\n" +
+         (declarations.empty() ? std::string() : "DECLARE\n" + std::string(declarations)) +
+         "BEGIN\n  no_retorno := 0; ds_erro := ''; ds_aviso := '';\n" + body + "END\n$$";
+}
+
+std::string PgLiberarTicketMadis() {
+  return PgFunction("TicketEstacionamento_LiberarTicketMadis", "p_ticket", "  v_ticket text;\n  v_codigo text;\n",
+                    "  SELECT ds_ticket INTO v_ticket FROM tbticketestacionamento\n"
+                    "  WHERE cd_empresausuariasistema = p_empresa AND cd_ticketestacionamento = p_ticket;\n"
+                    "  IF NOT FOUND THEN\n" + PgFail(1, kTicketNotFound) + "  END IF;\n"
+                    "  IF length(COALESCE(v_ticket, '')) <= " + std::to_string(kGateCodeLength) + " THEN\n" +
+                    PgFail(2, kTicketWithoutCode) + "  END IF;\n"
+                    "  v_codigo := left(v_ticket, " + std::to_string(kGateCodeLength) + ");\n"
+                    "  DELETE FROM mdestacionamento.cartoesavulsosbloqueados WHERE codigocartao = v_codigo;\n"
+                    "  IF NOT EXISTS (SELECT 1 FROM mdestacionamento.cartoesavulsos WHERE codigocartao = v_codigo) THEN\n"
+                    "    ds_aviso := " + Sql(kTicketNotAtGatesBefore) + " || v_codigo || " + Sql(kTicketNotAtGatesAfter) +
+                    ";\n  END IF;\n");
+}
+
+std::string PgAtualizarClienteMadis() {
+  return PgFunction("ClienteEstacionamento_AtualizarClienteMadis", "p_cliente", "  v_nome varchar;\n",
+                    "  SELECT COALESCE(p.nm_pessoa, '') INTO v_nome\n"
+                    "  FROM tbclienteestacionamento c LEFT JOIN tbpessoa p ON p.cd_pessoa = c.cd_clienteestacionamento\n"
+                    "  WHERE c.cd_empresausuariasistema = p_empresa AND c.cd_clienteestacionamento = p_cliente;\n"
+                    "  IF NOT FOUND THEN\n" + PgFail(1, kClientNotFound) + "  END IF;\n"
+                    "  UPDATE mdestacionamento.cliente SET nome = v_nome\n"
+                    "  WHERE idempresacadastro = p_empresa AND idcliente = p_cliente;\n"
+                    "  IF NOT FOUND THEN\n"
+                    "    INSERT INTO mdestacionamento.cliente (idempresacadastro, idcliente, nome, vagasemuso)\n"
+                    "    VALUES (p_empresa, p_cliente, v_nome, 0);\n"
+                    "  END IF;\n");
+}
+
+std::string PgExcluirClienteMadis() {
+  return PgFunction("ClienteEstacionamento_ExcluirClienteMadis", "p_cliente", "",
+                    "  DELETE FROM mdestacionamento.clientecartao WHERE idempresacadastro = p_empresa AND idcliente = p_cliente;\n"
+                    "  DELETE FROM mdestacionamento.cliente WHERE idempresacadastro = p_empresa AND idcliente = p_cliente;\n"
+                    "  IF NOT FOUND THEN\n" + PgWarn(kClientUnknownToGates) + "  END IF;\n");
+}
+
+std::string PgAtualizarClienteCartaoMadis() {
+  return PgFunction(
+      "CartaoEstacionamento_AtualizarClienteCartaoMadis", "p_cartao", "  v_cartao record;\n  v_codigo text;\n",
+      "  SELECT cd_clienteestacionamento, ds_identificacaocartao, nm_portador, ic_ativo INTO v_cartao\n"
+      "  FROM tbcartaoestacionamento\n"
+      "  WHERE cd_empresausuariasistema = p_empresa AND cd_cartaoestacionamento = p_cartao;\n"
+      "  IF NOT FOUND THEN\n" + PgFail(1, kCardNotFound) + "  END IF;\n"
+      "  IF v_cartao.ic_ativo = 0 THEN\n"
+      "    DELETE FROM mdestacionamento.clientecartao WHERE idempresacartao = p_empresa AND idcartao = p_cartao;\n" +
+      PgWarn(kCardInactiveRemoved) + "    RETURN;\n  END IF;\n"
+      "  IF NOT EXISTS (SELECT 1 FROM mdestacionamento.cliente\n"
+      "                 WHERE idempresacadastro = p_empresa AND idcliente = v_cartao.cd_clienteestacionamento) THEN\n" +
+      PgFail(2, kCardClientUnknownToGates) + "  END IF;\n"
+      // Read under "C": the column's collation refuses regular expressions.
+      "  v_codigo := btrim(COALESCE(v_cartao.ds_identificacaocartao, '')) COLLATE \"C\";\n"
+      "  IF v_codigo !~ '^[0-9]{1,9}$' THEN\n" + PgFail(3, kCardCodeNotNumeric) + "  END IF;\n"
+      "  UPDATE mdestacionamento.clientecartao\n"
+      "  SET idempresacadastro = p_empresa, idcliente = v_cartao.cd_clienteestacionamento,\n"
+      "      codigocartao = CAST(v_codigo AS integer), nomeproprietario = COALESCE(v_cartao.nm_portador, '')\n"
+      "  WHERE idempresacartao = p_empresa AND idcartao = p_cartao;\n"
+      "  IF NOT FOUND THEN\n"
+      "    INSERT INTO mdestacionamento.clientecartao\n"
+      "      (idempresacadastro, idcliente, idempresacartao, idcartao, codigocartao, nomeproprietario)\n"
+      "    VALUES (p_empresa, v_cartao.cd_clienteestacionamento, p_empresa, p_cartao, CAST(v_codigo AS integer),\n"
+      "            COALESCE(v_cartao.nm_portador, ''));\n"
+      "  END IF;\n");
+}
+
+std::string PgExcluirClienteCartaoMadis() {
+  return PgFunction("CartaoEstacionamento_ExcluirClienteCartaoMadis", "p_cartao", "",
+                    "  DELETE FROM mdestacionamento.clientecartao WHERE idempresacartao = p_empresa AND idcartao = p_cartao;\n"
+                    "  IF NOT FOUND THEN\n" + PgWarn(kCardUnknownToGates) + "  END IF;\n");
+}
 
 }  // namespace
 
 const std::vector<ProcedureDef>& Procedures() {
   static const std::vector<ProcedureDef> procedures = {
-      {"TicketEstacionamento_LiberarTicketMadis", LiberarTicketMadis, kLiberarTicketMadis},
-      {"ClienteEstacionamento_AtualizarClienteMadis", AtualizarClienteMadis, kAtualizarClienteMadis},
-      {"ClienteEstacionamento_ExcluirClienteMadis", ExcluirClienteMadis, kExcluirClienteMadis},
+      {"TicketEstacionamento_LiberarTicketMadis", LiberarTicketMadis, PgLiberarTicketMadis()},
+      {"ClienteEstacionamento_AtualizarClienteMadis", AtualizarClienteMadis, PgAtualizarClienteMadis()},
+      {"ClienteEstacionamento_ExcluirClienteMadis", ExcluirClienteMadis, PgExcluirClienteMadis()},
       {"CartaoEstacionamento_AtualizarClienteCartaoMadis", AtualizarClienteCartaoMadis,
-       kAtualizarClienteCartaoMadis},
-      {"CartaoEstacionamento_ExcluirClienteCartaoMadis", ExcluirClienteCartaoMadis, kExcluirClienteCartaoMadis},
+       PgAtualizarClienteCartaoMadis()},
+      {"CartaoEstacionamento_ExcluirClienteCartaoMadis", ExcluirClienteCartaoMadis, PgExcluirClienteCartaoMadis()},
   };
   return procedures;
 }

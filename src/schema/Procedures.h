@@ -34,7 +34,7 @@ namespace vek::schema {
 struct ProcedureDef {
   std::string_view name;
   Connection::Procedure embedded;  // the version for engines without procedures
-  std::string_view postgres;       // CREATE FUNCTION ...
+  std::string postgres;            // CREATE FUNCTION ...
 };
 
 const std::vector<ProcedureDef>& Procedures();
