@@ -55,6 +55,47 @@ int32_t ColumnSet::IndexOf(std::string_view name) const {
   return hit == by_name_.end() ? -1 : hit->second;
 }
 
+std::string InsertText(const RowWrite& row, const std::string& table, const NameQuoter& quote) {
+  std::string text = "INSERT INTO " + table;
+  if (row.columns.empty()) return text + " DEFAULT VALUES";
+  std::string names;
+  std::string marks;
+  for (const std::string& column : row.columns) {
+    names += (names.empty() ? "" : ", ") + quote(column);
+    marks += marks.empty() ? "?" : ", ?";
+  }
+  return text + " (" + names + ") VALUES (" + marks + ")";
+}
+
+WriteStatement UpdateStatement(const RowWrite& row, const std::string& table, const NameQuoter& quote,
+                               const std::vector<std::string>& table_keys, const char* source) {
+  bool covered = !row.key_columns.empty();
+  for (const std::string& key : table_keys) {
+    bool present = false;
+    for (const std::string& given : row.key_columns) present = present || EqualsIgnoreCase(key, given);
+    covered = covered && present;
+  }
+  if (!covered) {
+    RaiseDbError(adErrUnspecified, source, "Insufficient key column information for updating or refreshing.");
+  }
+  WriteStatement update{"UPDATE " + table + " SET ", row.values};
+  for (size_t i = 0; i < row.columns.size(); ++i) {
+    update.text += (i ? ", " : "") + quote(row.columns[i]) + " = ?";
+  }
+  update.text += " WHERE ";
+  for (size_t i = 0; i < row.key_columns.size(); ++i) {
+    update.text += (i ? " AND " : "") + quote(row.key_columns[i]);
+    const Variant& original = i < row.key_values.size() ? row.key_values[i] : Variant::Null();
+    if (original.IsNull() || original.IsEmpty()) {
+      update.text += " IS NULL";
+    } else {
+      update.text += " = ?";
+      update.values.push_back(original);
+    }
+  }
+  return update;
+}
+
 std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::function<Date()> now) {
   const auto parts = ParseConnectionString(connection_string);
   const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));

@@ -86,6 +86,21 @@ class Driver {
   virtual void Close() noexcept = 0;
 };
 
+// The write-back statements of a row, the same on every engine but for the
+// quoting of names: `quote` writes a column's name, `table` is the table's
+// qualified name. An UPDATE finds the row by its key as it was read ("= ?",
+// which keeps the key's index in use; IS NULL for a key read as NULL), and
+// is refused (error 0x80004005, Source `source`) unless the row names every
+// column of `table_keys`.
+struct WriteStatement {
+  std::string text;
+  std::vector<Variant> values;
+};
+using NameQuoter = std::function<std::string(std::string_view name)>;
+std::string InsertText(const RowWrite& row, const std::string& table, const NameQuoter& quote);
+WriteStatement UpdateStatement(const RowWrite& row, const std::string& table, const NameQuoter& quote,
+                               const std::vector<std::string>& table_keys, const char* source);
+
 // Opens a driver from a connection string; raises VekError when it can't.
 // `now` is the clock of the connection's owner (the server's "now").
 std::unique_ptr<Driver> OpenDriver(const std::string& connection_string,

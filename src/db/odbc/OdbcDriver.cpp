@@ -533,18 +533,7 @@ class OdbcDriver final : public Driver {
   }
 
   std::optional<int64_t> Insert(const RowWrite& row) override {
-    std::string text = "INSERT INTO " + QualifiedTable(row);
-    if (row.columns.empty()) {
-      text += " DEFAULT VALUES";
-    } else {
-      std::string names;
-      std::string marks;
-      for (const std::string& column : row.columns) {
-        names += (names.empty() ? "" : ", ") + QuoteName(column);
-        marks += marks.empty() ? "?" : ", ?";
-      }
-      text += " (" + names + ") VALUES (" + marks + ")";
-    }
+    std::string text = InsertText(row, QualifiedTable(row), Quoter());
     if (row.identity_column.empty()) {
       RunText(text, row.values, false);
       return std::nullopt;
@@ -562,36 +551,9 @@ class OdbcDriver final : public Driver {
   }
 
   int64_t Update(const RowWrite& row) override {
-    const std::vector<std::string>& table_keys = KeyColumns(row.database, row.table);
-    bool covered = !row.key_columns.empty();
-    for (const std::string& key : table_keys) {
-      bool present = false;
-      for (const std::string& given : row.key_columns) present = present || EqualsIgnoreCase(key, given);
-      covered = covered && present;
-    }
-    if (!covered) {
-      RaiseDbError(adErrUnspecified, kSource, "Insufficient key column information for updating or refreshing.");
-    }
-    std::string text = "UPDATE " + QualifiedTable(row) + " SET ";
-    std::vector<Variant> values = row.values;
-    for (size_t i = 0; i < row.columns.size(); ++i) {
-      text += (i ? ", " : "") + QuoteName(row.columns[i]);
-      text += " = ?";
-    }
-    text += " WHERE ";
-    // "= ?" keeps the key's index in use; a key read as NULL (only possible
-    // without a declared primary key) is matched with IS NULL instead.
-    for (size_t i = 0; i < row.key_columns.size(); ++i) {
-      text += (i ? " AND " : "") + QuoteName(row.key_columns[i]);
-      const Variant& original = i < row.key_values.size() ? row.key_values[i] : Variant::Null();
-      if (original.IsNull() || original.IsEmpty()) {
-        text += " IS NULL";
-      } else {
-        text += " = ?";
-        values.push_back(original);
-      }
-    }
-    return RunText(text, values, false).records_affected;
+    const WriteStatement update =
+        UpdateStatement(row, QualifiedTable(row), Quoter(), KeyColumns(row.database, row.table), kSource);
+    return RunText(update.text, update.values, false).records_affected;
   }
 
   void CallProcedure(const std::string& name, Parameters& parameters) override {
@@ -959,6 +921,10 @@ class OdbcDriver final : public Driver {
   std::string QuoteName(std::string_view name) const {
     if (dialect_ == Dialect::PostgreSQL) return "\"" + Replace(LCase(name), "\"", "\"\"") + "\"";
     return "[" + Replace(name, "]", "]]") + "]";
+  }
+
+  NameQuoter Quoter() const {
+    return [this](std::string_view name) { return QuoteName(name); };
   }
 
   std::string QualifiedTable(const RowWrite& row) const {

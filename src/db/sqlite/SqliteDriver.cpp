@@ -219,48 +219,15 @@ class SqliteDriver final : public Driver {
   }
 
   std::optional<int64_t> Insert(const RowWrite& row) override {
-    std::string text = "INSERT INTO " + QualifiedTable(row);
-    if (row.columns.empty()) {
-      text += " DEFAULT VALUES";
-    } else {
-      std::string names;
-      std::string marks;
-      for (const std::string& column : row.columns) {
-        names += (names.empty() ? "" : ", ") + Quoted(column);
-        marks += marks.empty() ? "?" : ", ?";
-      }
-      text += " (" + names + ") VALUES (" + marks + ")";
-    }
-    Run(text, row.values);
+    Run(InsertText(row, QualifiedTable(row), Quoted), row.values);
     if (row.identity_column.empty()) return std::nullopt;
     return sqlite3_last_insert_rowid(db_.get());
   }
 
   int64_t Update(const RowWrite& row) override {
-    const TableInfo& table = Table(row.database, row.table);
-    for (const std::string& key : table.key_columns) {
-      bool present = false;
-      for (const std::string& given : row.key_columns) present = present || EqualsIgnoreCase(key, given);
-      if (!present) {
-        RaiseDbError(adErrUnspecified, kSource,
-                     "Insufficient key column information for updating or refreshing.");
-      }
-    }
-    if (row.key_columns.empty()) {
-      RaiseDbError(adErrUnspecified, kSource,
-                   "Insufficient key column information for updating or refreshing.");
-    }
-    std::string text = "UPDATE " + QualifiedTable(row) + " SET ";
-    std::vector<Variant> values = row.values;
-    for (size_t i = 0; i < row.columns.size(); ++i) {
-      text += (i ? ", " : "") + Quoted(row.columns[i]) + " = ?";
-    }
-    text += " WHERE ";
-    for (size_t i = 0; i < row.key_columns.size(); ++i) {
-      text += (i ? " AND " : "") + Quoted(row.key_columns[i]) + " IS ?";
-      values.push_back(row.key_values[i]);
-    }
-    return Run(text, values).records_affected;
+    const WriteStatement update =
+        UpdateStatement(row, QualifiedTable(row), Quoted, Table(row.database, row.table).key_columns, kSource);
+    return Run(update.text, update.values).records_affected;
   }
 
   // SQLite has no procedures: the system's own are registered on the
