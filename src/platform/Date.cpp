@@ -5,6 +5,7 @@
 #include <string>
 
 #include "vek/foundation/VekError.h"
+#include "vek/platform/TextReader.h"
 
 namespace vek {
 namespace {
@@ -156,47 +157,11 @@ Date AddSeconds(Date date, int64_t seconds) {
 
 // ---- reading dates --------------------------------------------------------
 
-class Reader {
- public:
-  explicit Reader(std::string_view text) : text_(text) {}
-
-  bool AtEnd() const { return pos_ >= text_.size(); }
-  char Peek() const { return AtEnd() ? '\0' : text_[pos_]; }
-  bool Take(char c) {
-    if (Peek() != c) return false;
-    ++pos_;
-    return true;
-  }
-  // Between min_digits and max_digits decimal digits.
-  std::optional<int32_t> Number(size_t min_digits, size_t max_digits) {
-    int32_t value = 0;
-    size_t count = 0;
-    while (count < max_digits && Peek() >= '0' && Peek() <= '9') {
-      value = value * 10 + (Peek() - '0');
-      ++pos_;
-      ++count;
-    }
-    if (count < min_digits) return std::nullopt;
-    return value;
-  }
-  size_t SkipSpaces() {
-    size_t count = 0;
-    while (Peek() == ' ') {
-      ++pos_;
-      ++count;
-    }
-    return count;
-  }
-
- private:
-  std::string_view text_;
-  size_t pos_ = 0;
-};
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 // 'hh:nn[:ss]' as a fraction of a day.
-std::optional<double> ReadTime(Reader& reader) {
+std::optional<double> ReadTime(TextReader& reader) {
   const auto hour = reader.Number(1, 2);
   if (!hour || !reader.Take(':')) return std::nullopt;
   const auto minute = reader.Number(1, 2);
@@ -299,7 +264,7 @@ std::optional<Date> ParseDate(std::string_view text) {
   // The first separator after the leading digits tells the three forms apart.
   const size_t first_separator = text.find_first_not_of("0123456789");
   if (first_separator == std::string_view::npos || first_separator == 0) return std::nullopt;
-  Reader reader(text);
+  TextReader reader(text);
   const char separator = text[first_separator];
 
   if (separator == ':') {

@@ -1,6 +1,7 @@
 #include "vek/db/dialect/DateText.h"
 
 #include "vek/platform/Date.h"
+#include "vek/platform/TextReader.h"
 
 #include <algorithm>
 #include <iterator>
@@ -11,43 +12,8 @@ namespace {
 // Day numbers count from 0001-01-01; the calendar itself is the platform's.
 const int64_t kSerialOfYearOne = SerialFromCivil(1, 1, 1);
 
-class Reader {
- public:
-  explicit Reader(std::string_view text) : text_(text) {}
-  bool AtEnd() const { return pos_ >= text_.size(); }
-  char Peek() const { return AtEnd() ? '\0' : text_[pos_]; }
-  bool Take(char c) {
-    if (Peek() != c) return false;
-    ++pos_;
-    return true;
-  }
-  size_t SkipSpaces() {
-    size_t count = 0;
-    while (Peek() == ' ') {
-      ++pos_;
-      ++count;
-    }
-    return count;
-  }
-  // Between min_digits and max_digits decimal digits.
-  std::optional<int32_t> Number(size_t min_digits, size_t max_digits) {
-    int32_t value = 0;
-    size_t count = 0;
-    while (count < max_digits && Peek() >= '0' && Peek() <= '9') {
-      value = value * 10 + (Peek() - '0');
-      ++pos_;
-      ++count;
-    }
-    if (count < min_digits) return std::nullopt;
-    return value;
-  }
 
- private:
-  std::string_view text_;
-  size_t pos_ = 0;
-};
-
-bool ReadTime(Reader& reader, DateTimeParts& parts) {
+bool ReadTime(TextReader& reader, DateTimeParts& parts) {
   const auto hour = reader.Number(1, 2);
   if (!hour || !reader.Take(':')) return false;
   const auto minute = reader.Number(1, 2);
@@ -128,7 +94,7 @@ std::optional<DateTimeParts> ParseDateText(std::string_view text, bool accept_ti
   const size_t first_separator = text.find_first_not_of("0123456789");
   if (first_separator == std::string_view::npos || first_separator == 0) return std::nullopt;
 
-  Reader reader(text);
+  TextReader reader(text);
   DateTimeParts parts;
   const char separator = text[first_separator];
   if (separator == ':') {
