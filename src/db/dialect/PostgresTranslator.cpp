@@ -51,34 +51,26 @@ class PostgresTranslator final : public TranslatorBase {
   explicit PostgresTranslator(std::string_view sql) : TranslatorBase(sql, kPostgresForms) {}
 
  private:
-  void EmitCall(size_t name, size_t open, size_t close) override {
-    const std::string_view function = FunctionName(name, open);
-    if (function.empty()) return EmitPlainCall(name, open, close);
-    if (EmitConvertOrCast(function, name, open, close)) return;
-    const auto args = SplitArgs(open, close);
-    const auto renamed = [&](std::string_view replacement, size_t least, size_t most) {
-      RequireArgs(function, args.size(), least, most);
-      EmitRenamed(name, open, close, replacement);
+  std::span<const RenamedFunction> RenamedFunctions() const override {
+    // PostgreSQL counts substring positions before the first character as
+    // SQL Server does.
+    static constexpr RenamedFunction kRenamed[] = {
+        {"isnull", "COALESCE", 2, 2},
+        {"substring", "substring", 3, 3},
+        {"charindex", "vek_charindex", 2, 3},
+        {"replace", "vek_replace", 3, 3},
     };
-    if (EqualsAsciiNoCase(function, "getdate")) {
-      RequireArgs(function, args.size(), 0, 0);
-      EmitTrivia(name);
-      out_.append("vek_getdate()");
-    } else if (EqualsAsciiNoCase(function, "isnull")) {
-      renamed("COALESCE", 2, 2);
-    } else if (EqualsAsciiNoCase(function, "substring")) {
-      // PostgreSQL counts positions before the first character as SQL Server does.
-      renamed("substring", 3, 3);
-    } else if (EqualsAsciiNoCase(function, "len")) {
+    return kRenamed;
+  }
+
+  bool EmitDialectCall(std::string_view function, size_t name,
+                       const std::vector<std::pair<size_t, size_t>>& args) override {
+    if (EqualsAsciiNoCase(function, "len")) {
       RequireArgs(function, args.size(), 1, 1);
       EmitTrivia(name);
       out_.append("length(rtrim(CAST(");
       EmitArg(args[0]);
       out_.append(" AS text)))");
-    } else if (EqualsAsciiNoCase(function, "charindex")) {
-      renamed("vek_charindex", 2, 3);
-    } else if (EqualsAsciiNoCase(function, "replace")) {
-      renamed("vek_replace", 3, 3);
     } else if (EqualsAsciiNoCase(function, "round")) {
       RequireArgs(function, args.size(), 2, 3);
       EmitTrivia(name);
@@ -102,10 +94,10 @@ class PostgresTranslator final : public TranslatorBase {
       out_.append(" FROM CAST(");
       EmitArg(args[0]);
       out_.append(" AS timestamp)) AS integer)");
-    } else if (EmitDatePartCall(function, name, args)) {
     } else {
-      EmitPlainCall(name, open, close);
+      return false;
     }
+    return true;
   }
 
   void EmitConversion(size_t name, const TargetType& type, std::pair<size_t, size_t> value,

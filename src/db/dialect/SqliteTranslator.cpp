@@ -24,44 +24,26 @@ class SqliteTranslator final : public TranslatorBase {
   explicit SqliteTranslator(std::string_view sql) : TranslatorBase(sql, kSqliteForms) {}
 
  private:
-  void EmitCall(size_t name, size_t open, size_t close) override {
-    const std::string_view function = FunctionName(name, open);
-    if (function.empty()) return EmitPlainCall(name, open, close);
-    if (EmitConvertOrCast(function, name, open, close)) return;
-    const auto args = SplitArgs(open, close);
-    const auto renamed = [&](std::string_view replacement, size_t least, size_t most) {
-      RequireArgs(function, args.size(), least, most);
-      EmitRenamed(name, open, close, replacement);
+  std::span<const RenamedFunction> RenamedFunctions() const override {
+    static constexpr RenamedFunction kRenamed[] = {
+        {"isnull", "ifnull", 2, 2},          {"substring", "vek_substring", 3, 3},
+        {"len", "vek_len", 1, 1},            {"charindex", "vek_charindex", 2, 3},
+        {"upper", "vek_upper", 1, 1},        {"lower", "vek_lower", 1, 1},
+        {"left", "vek_left", 2, 2},          {"right", "vek_right", 2, 2},
+        {"replace", "vek_replace", 3, 3},    {"round", "vek_round", 2, 3},
     };
-    if (EqualsAsciiNoCase(function, "getdate")) {
-      RequireArgs(function, args.size(), 0, 0);
-      EmitTrivia(name);
-      out_.append("vek_getdate()");
-    } else if (EqualsAsciiNoCase(function, "isnull")) {
-      renamed("ifnull", 2, 2);
-    } else if (EqualsAsciiNoCase(function, "substring")) {
-      renamed("vek_substring", 3, 3);
-    } else if (EqualsAsciiNoCase(function, "len")) {
-      renamed("vek_len", 1, 1);
-    } else if (EqualsAsciiNoCase(function, "charindex")) {
-      renamed("vek_charindex", 2, 3);
-    } else if (EqualsAsciiNoCase(function, "upper")) {
-      renamed("vek_upper", 1, 1);
-    } else if (EqualsAsciiNoCase(function, "lower")) {
-      renamed("vek_lower", 1, 1);
-    } else if (EqualsAsciiNoCase(function, "left")) {
-      renamed("vek_left", 2, 2);
-    } else if (EqualsAsciiNoCase(function, "right")) {
-      renamed("vek_right", 2, 2);
-    } else if (EqualsAsciiNoCase(function, "replace")) {
-      renamed("vek_replace", 3, 3);
-    } else if (EqualsAsciiNoCase(function, "round")) {
-      renamed("vek_round", 2, 3);
-    } else if (EqualsAsciiNoCase(function, "scope_identity")) {
+    return kRenamed;
+  }
+
+  bool EmitDialectCall(std::string_view function, size_t name,
+                       const std::vector<std::pair<size_t, size_t>>& args) override {
+    if (EqualsAsciiNoCase(function, "scope_identity")) {
       RequireArgs(function, args.size(), 0, 0);
       EmitTrivia(name);
       out_.append("last_insert_rowid()");
-    } else if (IsOneOf(function, {"day", "month", "year"})) {
+      return true;
+    }
+    if (IsOneOf(function, {"day", "month", "year"})) {
       RequireArgs(function, args.size(), 1, 1);
       EmitTrivia(name);
       out_.append("vek_datepart('");
@@ -69,12 +51,10 @@ class SqliteTranslator final : public TranslatorBase {
       out_.append("',");
       EmitArg(args[0]);
       out_.push_back(')');
-    } else if (EmitDatePartCall(function, name, args)) {
-    } else {
-      EmitPlainCall(name, open, close);
+      return true;
     }
+    return false;
   }
-
 
   void EmitConversion(size_t name, const TargetType& type, std::pair<size_t, size_t> value,
                       std::optional<int64_t> style) override {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -277,8 +278,19 @@ class TranslatorBase {
  protected:
   // ---- what each dialect writes -------------------------------------------
 
-  // A call other than CONVERT and CAST: name .. close are significant indices.
-  virtual void EmitCall(size_t name, size_t open, size_t close) = 0;
+  // A function the dialect writes under another name, its arguments as they
+  // stand, with the number of arguments it takes.
+  struct RenamedFunction {
+    std::string_view function;
+    std::string_view replacement;
+    size_t least;
+    size_t most;
+  };
+  virtual std::span<const RenamedFunction> RenamedFunctions() const = 0;
+  // A call the dialect writes in a form of its own; false leaves it to the
+  // common rules (DATEDIFF, DATEADD, DATEPART, then the call as it stands).
+  virtual bool EmitDialectCall(std::string_view function, size_t name,
+                               const std::vector<std::pair<size_t, size_t>>& args) = 0;
   // CONVERT and CAST, once their target is read.
   virtual void EmitConversion(size_t name, const TargetType& type, std::pair<size_t, size_t> value,
                               std::optional<int64_t> style) = 0;
@@ -1136,6 +1148,27 @@ class TranslatorBase {
   }
 
   // ---- calls -------------------------------------------------------------------
+
+  // A call other than CONVERT and CAST: name .. close are significant indices.
+  void EmitCall(size_t name, size_t open, size_t close) {
+    const std::string_view function = FunctionName(name, open);
+    if (function.empty()) return EmitPlainCall(name, open, close);
+    if (EmitConvertOrCast(function, name, open, close)) return;
+    const auto args = SplitArgs(open, close);
+    if (EqualsAsciiNoCase(function, "getdate")) {
+      RequireArgs(function, args.size(), 0, 0);
+      EmitTrivia(name);
+      out_.append("vek_getdate()");
+      return;
+    }
+    for (const RenamedFunction& renamed : RenamedFunctions()) {
+      if (!EqualsAsciiNoCase(function, renamed.function)) continue;
+      RequireArgs(function, args.size(), renamed.least, renamed.most);
+      return EmitRenamed(name, open, close, renamed.replacement);
+    }
+    if (EmitDialectCall(function, name, args) || EmitDatePartCall(function, name, args)) return;
+    EmitPlainCall(name, open, close);
+  }
 
   void RequireArgs(std::string_view function, size_t count, size_t least, size_t most) const {
     if (count < least || count > most) {
