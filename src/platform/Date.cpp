@@ -273,28 +273,10 @@ std::optional<Date> ParseDate(std::string_view text) {
     return Date(*time);
   }
 
-  std::optional<int64_t> day;
-  bool iso = false;
-  if (separator == '/') {
-    const auto d = reader.Number(1, 2);
-    if (!d || !reader.Take('/')) return std::nullopt;
-    const auto m = reader.Number(1, 2);
-    if (!m || !reader.Take('/')) return std::nullopt;
-    const auto y = reader.Number(4, 4);
-    if (!y) return std::nullopt;
-    day = ValidDay(*y, *m, *d);
-  } else if (separator == '-') {
-    iso = true;
-    const auto y = reader.Number(4, 4);
-    if (!y || !reader.Take('-')) return std::nullopt;
-    const auto m = reader.Number(1, 2);
-    if (!m || !reader.Take('-')) return std::nullopt;
-    const auto d = reader.Number(1, 2);
-    if (!d) return std::nullopt;
-    day = ValidDay(*y, *m, *d);
-  } else {
-    return std::nullopt;
-  }
+  const std::optional<DateDigits> date = reader.DayFirstOrIsoDate(separator);
+  if (!date) return std::nullopt;
+  const bool iso = separator == '-';
+  const std::optional<int64_t> day = ValidDay(date->year, date->month, date->day);
   if (!day) return std::nullopt;
   if (reader.AtEnd()) return Date(static_cast<double>(*day));
 

@@ -1,6 +1,7 @@
 #pragma once
 // A cursor over text for the small hand-written readers of dates and times:
-// one character at a time, runs of digits, blanks.
+// one character at a time, runs of digits, blanks, and the two date forms
+// the system writes.
 
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +9,12 @@
 #include <string_view>
 
 namespace vek {
+
+struct DateDigits {
+  int32_t year;
+  int32_t month;
+  int32_t day;
+};
 
 class TextReader {
  public:
@@ -31,6 +38,27 @@ class TextReader {
     }
     if (count < min_digits) return std::nullopt;
     return value;
+  }
+  // 'dd/mm/yyyy' when the separator is '/', 'yyyy-mm-dd' when it is '-';
+  // the numbers are not checked against the calendar.
+  std::optional<DateDigits> DayFirstOrIsoDate(char separator) {
+    if (separator == '-') {
+      const auto year = Number(4, 4);
+      if (!year || !Take('-')) return std::nullopt;
+      const auto month = Number(1, 2);
+      if (!month || !Take('-')) return std::nullopt;
+      const auto day = Number(1, 2);
+      if (!day) return std::nullopt;
+      return DateDigits{*year, *month, *day};
+    }
+    if (separator != '/') return std::nullopt;
+    const auto day = Number(1, 2);
+    if (!day || !Take('/')) return std::nullopt;
+    const auto month = Number(1, 2);
+    if (!month || !Take('/')) return std::nullopt;
+    const auto year = Number(4, 4);
+    if (!year) return std::nullopt;
+    return DateDigits{*year, *month, *day};
   }
   // Skips spaces; returns how many.
   size_t SkipSpaces() {

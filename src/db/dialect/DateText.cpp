@@ -103,31 +103,12 @@ std::optional<DateTimeParts> ParseDateText(std::string_view text, bool accept_ti
     if (!ReadTime(reader, parts) || !reader.AtEnd()) return std::nullopt;
     return parts;
   }
-  bool iso = false;
-  if (separator == '-') {
-    iso = true;
-    const auto y = reader.Number(4, 4);
-    if (!y || !reader.Take('-')) return std::nullopt;
-    const auto m = reader.Number(1, 2);
-    if (!m || !reader.Take('-')) return std::nullopt;
-    const auto d = reader.Number(1, 2);
-    if (!d) return std::nullopt;
-    parts.year = *y;
-    parts.month = *m;
-    parts.day = *d;
-  } else if (separator == '/') {
-    const auto d = reader.Number(1, 2);
-    if (!d || !reader.Take('/')) return std::nullopt;
-    const auto m = reader.Number(1, 2);
-    if (!m || !reader.Take('/')) return std::nullopt;
-    const auto y = reader.Number(4, 4);
-    if (!y) return std::nullopt;
-    parts.year = *y;
-    parts.month = *m;
-    parts.day = *d;
-  } else {
-    return std::nullopt;
-  }
+  const std::optional<DateDigits> date = reader.DayFirstOrIsoDate(separator);
+  if (!date) return std::nullopt;
+  const bool iso = separator == '-';
+  parts.year = date->year;
+  parts.month = date->month;
+  parts.day = date->day;
   if (!ValidDate(parts)) return std::nullopt;
   if (reader.AtEnd()) return parts;
   const bool spaced = reader.SkipSpaces() > 0;
