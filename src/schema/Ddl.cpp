@@ -19,41 +19,20 @@ bool NeedsWithoutRowid(const TableDef& table) {
 }
 
 std::string CreateTable(const TableDef& table, std::string_view schema) {
-  const bool identity = table.HasIdentity();
-  std::string sql = "CREATE TABLE IF NOT EXISTS " + Qualified(schema, table.name) + " (";
-  bool first = true;
-  auto next_line = [&] {
-    sql += first ? "\n  " : ",\n  ";
-    first = false;
-  };
-  for (const ColumnDef& column : table.columns) {
-    next_line();
-    sql += column.name;
-    sql += ' ';
-    if (identity && EqualsIgnoreCase(column.name, table.primary_key.front())) {
-      // AUTOINCREMENT never hands out a number again, as an identity does.
-      sql += "INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL";
-      continue;
-    }
-    sql += SqliteTypeName(column);
-    if (!column.nullable) sql += " NOT NULL";
-    if (IsText(column.type)) {
-      sql += " COLLATE ";
-      sql += vek::dialect::kSqlServerCollation;
-    }
-  }
-  if (!identity && !table.primary_key.empty()) {
-    next_line();
-    sql += "PRIMARY KEY (" + JoinNames(table.primary_key, ", ") + ")";
-  }
-  for (const ForeignKeyDef& key : table.foreign_keys) {
-    next_line();
-    // The parent lives in the same schema; SQLite refuses a qualified name here.
-    sql += "FOREIGN KEY (" + JoinNames(key.columns, ", ") + ") REFERENCES ";
-    sql += key.table;
-    sql += " (" + JoinNames(key.references, ", ") + ")";
-  }
-  sql += "\n)";
+  static const CreateTableForm kSqliteTable{
+      .column =
+          [](const ColumnDef& column, bool identity) {
+            // AUTOINCREMENT never hands out a number again, as an identity does.
+            if (identity) return std::string("INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL");
+            std::string text = SqliteTypeName(column);
+            if (!column.nullable) text += " NOT NULL";
+            if (IsText(column.type)) text += " COLLATE " + std::string(vek::dialect::kSqlServerCollation);
+            return text;
+          },
+      .identity_is_the_key = true,
+      // The parent lives in the same schema; SQLite refuses a qualified name there.
+      .qualify_references = false};
+  std::string sql = CreateTableText(table, schema, kSqliteTable);
   if (NeedsWithoutRowid(table)) sql += " WITHOUT ROWID";
   return sql;
 }
