@@ -29,16 +29,16 @@
 #include <string_view>
 #include <vector>
 
+#include "ProtocolLoop.h"
 #include "vek/db/Connection.h"
 #include "vek/foundation/Enums.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Text.h"
-#include "vek/registry/cgdBairro.h"
 #include "vek/schema/CreateDatabase.h"
 
 namespace {
 
-constexpr int kRows = 1000;
+using vek::bench::kRows;
 // Nm_Bairro holds at most 60 characters.
 constexpr size_t kMaxText = 60;
 
@@ -177,6 +177,16 @@ class Prepared {
     return true;
   }
   void Close() { SQLFreeStmt(Get(), SQL_CLOSE); }
+  // For a statement that returns no rows.
+  void ExecuteAndClose() {
+    Execute();
+    Close();
+  }
+  // A column of the fetched row into buffer.
+  void GetData(SQLUSMALLINT number, SQLSMALLINT c_type, SQLPOINTER buffer, SQLLEN size) {
+    SQLLEN indicator = 0;
+    Check(SQLGetData(Get(), number, c_type, buffer, size, &indicator), SQL_HANDLE_STMT, Get(), "SQLGetData");
+  }
 
  private:
   Handle<SQL_HANDLE_STMT> statement_;
@@ -289,80 +299,26 @@ void Guarded(benchmark::State& state, Body body) {
 
 // ---- the library ---------------------------------------------------------------
 
-void BM_Protocol_Consultar(benchmark::State& state) {
+// Each on a database of its own.
+void OnFreshDatabase(benchmark::State& state, vek::bench::LibraryLoop loop) {
   Guarded(state, [&] {
     BenchDatabase db;
-    vek::cgdBairro bairro;
-    bairro.Ob_cgpSistema(OpenSession(db.Name()));
-    int key = 0;
-    for (auto _ : state) {
-      bairro.Ob_cgp()->Let("Cd_Bairro", vek::Variant(key++ % kRows + 1));
-      benchmark::DoNotOptimize(bairro.Consultar());
-    }
-    state.SetItemsProcessed(state.iterations());
+    loop(state, OpenSession(db.Name()));
   });
 }
+
+void BM_Protocol_Consultar(benchmark::State& state) { OnFreshDatabase(state, vek::bench::ProtocolConsultar); }
 BENCHMARK(BM_Protocol_Consultar)->UseRealTime();
 
-void BM_Protocol_SalvarUpdate(benchmark::State& state) {
-  Guarded(state, [&] {
-    BenchDatabase db;
-    vek::cgdBairro bairro;
-    bairro.Ob_cgpSistema(OpenSession(db.Name()));
-    int key = 0;
-    for (auto _ : state) {
-      auto record = bairro.Ob_cgp();
-      record->Let("Cd_Bairro", vek::Variant(key % kRows + 1));
-      record->Let("Nm_Bairro", vek::Variant("Renomeado " + std::to_string(key++)));
-      record->Let("Cd_Cidade", vek::Variant(1));
-      bairro.Salvar();
-    }
-    state.SetItemsProcessed(state.iterations());
-  });
-}
+void BM_Protocol_SalvarUpdate(benchmark::State& state) { OnFreshDatabase(state, vek::bench::ProtocolSalvarUpdate); }
 BENCHMARK(BM_Protocol_SalvarUpdate)->UseRealTime();
 
 void BM_Protocol_SalvarInsertExcluir(benchmark::State& state) {
-  Guarded(state, [&] {
-    BenchDatabase db;
-    vek::cgdBairro bairro;
-    bairro.Ob_cgpSistema(OpenSession(db.Name()));
-    for (auto _ : state) {
-      auto record = bairro.Ob_cgp();
-      record->RestaurarDefault();
-      record->Let("Nm_Bairro", vek::Variant("Novo"));
-      record->Let("Cd_Cidade", vek::Variant(1));
-      bairro.Salvar();
-      bairro.Excluir();
-    }
-    state.SetItemsProcessed(state.iterations());
-  });
+  OnFreshDatabase(state, vek::bench::ProtocolSalvarInsertExcluir);
 }
 BENCHMARK(BM_Protocol_SalvarInsertExcluir)->UseRealTime();
 
-// The whole loop: a look-up, an update, an insert and its delete.
-void BM_Protocol_Loop(benchmark::State& state) {
-  Guarded(state, [&] {
-    BenchDatabase db;
-    vek::cgdBairro bairro;
-    bairro.Ob_cgpSistema(OpenSession(db.Name()));
-    int key = 0;
-    for (auto _ : state) {
-      auto record = bairro.Ob_cgp();
-      const int row = key % kRows + 1;
-      record->Let("Cd_Bairro", vek::Variant(row));
-      bairro.Consultar();
-      record->Let("Nm_Bairro", vek::Variant("Renomeado " + std::to_string(key++)));
-      bairro.Salvar();
-      record->RestaurarDefault();
-      record->Let("Nm_Bairro", vek::Variant("Novo"));
-      record->Let("Cd_Cidade", vek::Variant(1));
-      bairro.Salvar();
-      bairro.Excluir();
-    }
-    state.SetItemsProcessed(state.iterations());
-  });
-}
+void BM_Protocol_Loop(benchmark::State& state) { OnFreshDatabase(state, vek::bench::ProtocolLoop); }
 BENCHMARK(BM_Protocol_Loop)->UseRealTime();
 
 // ---- the same work by hand ---------------------------------------------------
@@ -407,15 +363,12 @@ class HandWritten {
     while (select_.Fetch()) {
       for (size_t i = 0; i < integer_columns_.size(); ++i) {
         const auto number = static_cast<SQLUSMALLINT>(i + 1);
-        SQLLEN indicator = 0;
-        SQLRETURN code;
         if (integer_columns_[i]) {
           SQLINTEGER value = 0;
-          code = SQLGetData(select_.Get(), number, SQL_C_SLONG, &value, sizeof value, &indicator);
+          select_.GetData(number, SQL_C_SLONG, &value, sizeof value);
         } else {
-          code = SQLGetData(select_.Get(), number, SQL_C_WCHAR, text_, sizeof text_, &indicator);
+          select_.GetData(number, SQL_C_WCHAR, text_, sizeof text_);
         }
-        Check(code, SQL_HANDLE_STMT, select_.Get(), "SQLGetData");
         ++columns;
       }
     }
@@ -425,24 +378,18 @@ class HandWritten {
   void Update(int key, const std::string& name) {
     update_name_.Set(name);
     update_key_ = key;
-    update_.Execute();
-    update_.Close();
+    update_.ExecuteAndClose();
   }
   int Insert() {
     insert_.Execute();
     SQLINTEGER key = 0;
-    if (insert_.Fetch()) {
-      SQLLEN indicator = 0;
-      Check(SQLGetData(insert_.Get(), 1, SQL_C_SLONG, &key, sizeof key, &indicator), SQL_HANDLE_STMT,
-            insert_.Get(), "SQLGetData");
-    }
+    if (insert_.Fetch()) insert_.GetData(1, SQL_C_SLONG, &key, sizeof key);
     insert_.Close();
     return key;
   }
   void Delete(int key) {
     delete_key_ = key;
-    delete_.Execute();
-    delete_.Close();
+    delete_.ExecuteAndClose();
   }
 
  private:
@@ -462,49 +409,49 @@ class HandWritten {
   SQLWCHAR text_[256] = {};
 };
 
-void BM_HandWritten_Consultar(benchmark::State& state) {
+// Each on a database of its own, with a connection of its own.
+template <class Loop>
+void OnHandWritten(benchmark::State& state, Loop loop) {
   Guarded(state, [&] {
     BenchDatabase db;
     HandWritten hand(db.ConnectionString());
+    loop(hand);
+    state.SetItemsProcessed(state.iterations());
+  });
+}
+
+void BM_HandWritten_Consultar(benchmark::State& state) {
+  OnHandWritten(state, [&](HandWritten& hand) {
     int key = 0;
     for (auto _ : state) benchmark::DoNotOptimize(hand.Select(key++ % kRows + 1));
-    state.SetItemsProcessed(state.iterations());
   });
 }
 BENCHMARK(BM_HandWritten_Consultar)->UseRealTime();
 
 void BM_HandWritten_SalvarUpdate(benchmark::State& state) {
-  Guarded(state, [&] {
-    BenchDatabase db;
-    HandWritten hand(db.ConnectionString());
+  OnHandWritten(state, [&](HandWritten& hand) {
     int key = 0;
     for (auto _ : state) {
       const int row = key % kRows + 1;
       hand.Select(row);
       hand.Update(row, "Renomeado " + std::to_string(key++));
     }
-    state.SetItemsProcessed(state.iterations());
   });
 }
 BENCHMARK(BM_HandWritten_SalvarUpdate)->UseRealTime();
 
 void BM_HandWritten_SalvarInsertExcluir(benchmark::State& state) {
-  Guarded(state, [&] {
-    BenchDatabase db;
-    HandWritten hand(db.ConnectionString());
+  OnHandWritten(state, [&](HandWritten& hand) {
     for (auto _ : state) {
       hand.Select(0);
       hand.Delete(hand.Insert());
     }
-    state.SetItemsProcessed(state.iterations());
   });
 }
 BENCHMARK(BM_HandWritten_SalvarInsertExcluir)->UseRealTime();
 
 void BM_HandWritten_Loop(benchmark::State& state) {
-  Guarded(state, [&] {
-    BenchDatabase db;
-    HandWritten hand(db.ConnectionString());
+  OnHandWritten(state, [&](HandWritten& hand) {
     int key = 0;
     for (auto _ : state) {
       const int row = key % kRows + 1;
@@ -514,7 +461,6 @@ void BM_HandWritten_Loop(benchmark::State& state) {
       hand.Select(0);
       hand.Delete(hand.Insert());
     }
-    state.SetItemsProcessed(state.iterations());
   });
 }
 BENCHMARK(BM_HandWritten_Loop)->UseRealTime();

@@ -14,15 +14,15 @@
 #include <random>
 #include <string>
 
+#include "ProtocolLoop.h"
 #include "vek/db/Connection.h"
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/foundation/cgpSistema.h"
-#include "vek/registry/cgdBairro.h"
 #include "vek/schema/CreateDatabase.h"
 
 namespace {
 
-constexpr int kRows = 1000;
+using vek::bench::kRows;
 
 // A terminal database in a file of its own, filled with neighbourhoods.
 class BenchDatabase {
@@ -60,72 +60,24 @@ std::shared_ptr<vek::cgpSistema> OpenSession(const std::string& file) {
   return session;
 }
 
-void BM_Protocol_Consultar(benchmark::State& state) {
+// Each on a database of its own.
+void OnFreshDatabase(benchmark::State& state, vek::bench::LibraryLoop loop) {
   BenchDatabase db;
-  vek::cgdBairro bairro;
-  bairro.Ob_cgpSistema(OpenSession(db.File()));
-  int key = 0;
-  for (auto _ : state) {
-    bairro.Ob_cgp()->Let("Cd_Bairro", vek::Variant(key++ % kRows + 1));
-    benchmark::DoNotOptimize(bairro.Consultar());
-  }
-  state.SetItemsProcessed(state.iterations());
+  loop(state, OpenSession(db.File()));
 }
+
+void BM_Protocol_Consultar(benchmark::State& state) { OnFreshDatabase(state, vek::bench::ProtocolConsultar); }
 BENCHMARK(BM_Protocol_Consultar);
 
-void BM_Protocol_SalvarUpdate(benchmark::State& state) {
-  BenchDatabase db;
-  vek::cgdBairro bairro;
-  bairro.Ob_cgpSistema(OpenSession(db.File()));
-  int key = 0;
-  for (auto _ : state) {
-    auto record = bairro.Ob_cgp();
-    record->Let("Cd_Bairro", vek::Variant(key % kRows + 1));
-    record->Let("Nm_Bairro", vek::Variant("Renomeado " + std::to_string(key++)));
-    record->Let("Cd_Cidade", vek::Variant(1));
-    bairro.Salvar();
-  }
-  state.SetItemsProcessed(state.iterations());
-}
+void BM_Protocol_SalvarUpdate(benchmark::State& state) { OnFreshDatabase(state, vek::bench::ProtocolSalvarUpdate); }
 BENCHMARK(BM_Protocol_SalvarUpdate);
 
 void BM_Protocol_SalvarInsertExcluir(benchmark::State& state) {
-  BenchDatabase db;
-  vek::cgdBairro bairro;
-  bairro.Ob_cgpSistema(OpenSession(db.File()));
-  for (auto _ : state) {
-    auto record = bairro.Ob_cgp();
-    record->RestaurarDefault();
-    record->Let("Nm_Bairro", vek::Variant("Novo"));
-    record->Let("Cd_Cidade", vek::Variant(1));
-    bairro.Salvar();
-    bairro.Excluir();
-  }
-  state.SetItemsProcessed(state.iterations());
+  OnFreshDatabase(state, vek::bench::ProtocolSalvarInsertExcluir);
 }
 BENCHMARK(BM_Protocol_SalvarInsertExcluir);
 
-// The whole loop: a look-up, an update, an insert and its delete.
-void BM_Protocol_Loop(benchmark::State& state) {
-  BenchDatabase db;
-  vek::cgdBairro bairro;
-  bairro.Ob_cgpSistema(OpenSession(db.File()));
-  int key = 0;
-  for (auto _ : state) {
-    auto record = bairro.Ob_cgp();
-    const int row = key % kRows + 1;
-    record->Let("Cd_Bairro", vek::Variant(row));
-    bairro.Consultar();
-    record->Let("Nm_Bairro", vek::Variant("Renomeado " + std::to_string(key++)));
-    bairro.Salvar();
-    record->RestaurarDefault();
-    record->Let("Nm_Bairro", vek::Variant("Novo"));
-    record->Let("Cd_Cidade", vek::Variant(1));
-    bairro.Salvar();
-    bairro.Excluir();
-  }
-  state.SetItemsProcessed(state.iterations());
-}
+void BM_Protocol_Loop(benchmark::State& state) { OnFreshDatabase(state, vek::bench::ProtocolLoop); }
 BENCHMARK(BM_Protocol_Loop)->UseRealTime();
 
 // ---- the same work by hand ---------------------------------------------------
@@ -195,52 +147,57 @@ class HandWritten {
   sqlite3_stmt* delete_ = nullptr;
 };
 
-void BM_HandWritten_Consultar(benchmark::State& state) {
+// Each on a database of its own, with a connection of its own.
+template <class Loop>
+void OnHandWritten(benchmark::State& state, Loop loop) {
   BenchDatabase db;
   HandWritten hand(db.File());
-  int key = 0;
-  for (auto _ : state) benchmark::DoNotOptimize(hand.Select(key++ % kRows + 1));
+  loop(hand);
   state.SetItemsProcessed(state.iterations());
+}
+
+void BM_HandWritten_Consultar(benchmark::State& state) {
+  OnHandWritten(state, [&](HandWritten& hand) {
+    int key = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(hand.Select(key++ % kRows + 1));
+  });
 }
 BENCHMARK(BM_HandWritten_Consultar);
 
 void BM_HandWritten_SalvarUpdate(benchmark::State& state) {
-  BenchDatabase db;
-  HandWritten hand(db.File());
-  int key = 0;
-  for (auto _ : state) {
-    const int row = key % kRows + 1;
-    hand.Select(row);
-    hand.Update(row, "Renomeado " + std::to_string(key++));
-  }
-  state.SetItemsProcessed(state.iterations());
+  OnHandWritten(state, [&](HandWritten& hand) {
+    int key = 0;
+    for (auto _ : state) {
+      const int row = key % kRows + 1;
+      hand.Select(row);
+      hand.Update(row, "Renomeado " + std::to_string(key++));
+    }
+  });
 }
 BENCHMARK(BM_HandWritten_SalvarUpdate);
 
 void BM_HandWritten_SalvarInsertExcluir(benchmark::State& state) {
-  BenchDatabase db;
-  HandWritten hand(db.File());
-  for (auto _ : state) {
-    hand.Select(0);
-    hand.Delete(hand.Insert());
-  }
-  state.SetItemsProcessed(state.iterations());
+  OnHandWritten(state, [&](HandWritten& hand) {
+    for (auto _ : state) {
+      hand.Select(0);
+      hand.Delete(hand.Insert());
+    }
+  });
 }
 BENCHMARK(BM_HandWritten_SalvarInsertExcluir);
 
 void BM_HandWritten_Loop(benchmark::State& state) {
-  BenchDatabase db;
-  HandWritten hand(db.File());
-  int key = 0;
-  for (auto _ : state) {
-    const int row = key % kRows + 1;
-    hand.Select(row);
-    hand.Select(row);
-    hand.Update(row, "Renomeado " + std::to_string(key++));
-    hand.Select(0);
-    hand.Delete(hand.Insert());
-  }
-  state.SetItemsProcessed(state.iterations());
+  OnHandWritten(state, [&](HandWritten& hand) {
+    int key = 0;
+    for (auto _ : state) {
+      const int row = key % kRows + 1;
+      hand.Select(row);
+      hand.Select(row);
+      hand.Update(row, "Renomeado " + std::to_string(key++));
+      hand.Select(0);
+      hand.Delete(hand.Insert());
+    }
+  });
 }
 BENCHMARK(BM_HandWritten_Loop)->UseRealTime();
 
