@@ -6,14 +6,19 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vek/foundation/ErrorTrap.h"
 #include "vek/foundation/cgpSistema.h"
 
 namespace vek {
 
+class ComboBox;
 class Connection;
+class FlexGrid;
 class Recordset;
+class SqlLines;
+class TextControl;
 
 class DataManager {
  public:
@@ -43,6 +48,51 @@ class DataManager {
   // Refuses, before any SQL is sent, a value that would be put between
   // quotes while holding an apostrophe (error 0x80040458 naming the field).
   void RequireNoApostrophe(std::string_view field, std::string_view value) const;
+
+  // How a pick list is filled from ds_sql_ (see FillComboBox).
+  struct ComboList {
+    std::string_view caption;      // the progress window's caption
+    std::string_view text_column;  // each entry's text
+    std::string_view code_column;  // each entry's item data
+    bool choose_entry = true;      // "--ESCOLHA-->" first when more than one row
+    bool progress = true;          // show the progress window while loading
+    // When not empty, a list without rows gets the single entry "NENHUM"
+    // (item data 0) and this text is shown in the session's message box.
+    std::string_view empty_message = {};
+  };
+  // Clears `combo`, shows the session's progress window under the caption,
+  // opens ds_sql_ the session's way and adds one entry per row: the text of
+  // the text column with the number of the code column as its item data.
+  // The window advances per row and is closed at the end, on failure too.
+  // Raises the database's error as it came (the caller's trap adds its link).
+  void FillComboBox(ComboBox& combo, const ComboList& list);
+
+  // A column of a search grid's lines, with the Format pattern of its cells
+  // (empty: the runtime's CStr, see CellText).
+  struct GridColumn {
+    std::string_view name;
+    std::string_view format = {};
+  };
+  // Opens ds_sql_ the session's way and adds one grid line per row: the
+  // columns given (every column of the select list when none is given), in
+  // that order and tab-separated, each after a tab of its own when
+  // `leading_tab` (the grid's fixed first cell then stays empty). The grid is
+  // neither cleared nor laid out; `count`, when given, gets the number of
+  // rows as RecordCountText shows it.
+  void FillSearchGrid(FlexGrid& grid, TextControl* count, const std::vector<GridColumn>& columns = {},
+                      bool leading_tab = true);
+  void FillSearchGrid(FlexGrid& grid, TextControl& count, const std::vector<GridColumn>& columns = {},
+                      bool leading_tab = true) {
+    FillSearchGrid(grid, &count, columns, leading_tab);
+  }
+
+  // True when the first 26 characters of the filter, upper-cased, are
+  // "TBCEP_TBLOGRADOURO.CD_EP =": a shorter filter, or the clause anywhere
+  // but at the start, is not a postcode filter.
+  static bool IsPostcodeFilter(std::string_view Ds_Condicao);
+  // Adds `keyword` + the filter as it stands, when there is one (the loaders
+  // write "WHERE " or "WHERE  ").
+  static void AddFilter(SqlLines& sql, std::string_view Ds_Condicao, std::string_view keyword = "WHERE ");
 
   std::string ds_sql_;
 

@@ -3,7 +3,9 @@
 #include <memory>
 
 #include "vek/db/Enums.h"
+#include "vek/db/Field.h"
 #include "vek/db/Recordset.h"
+#include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Controls.h"
 #include "vek/platform/Format.h"
 #include "vek/platform/Text.h"
@@ -37,56 +39,87 @@ class LoaderResources {
 
 }  // namespace
 
-void ListCollection::FillComboBox(ComboBox& combo, std::string_view caption,
-                                  std::string_view text_column, std::string_view code_column) {
+void DataManager::FillComboBox(ComboBox& combo, const ComboList& list) {
   combo.Clear();
-  ProgressWindow& progress = Ob_cgpSistema()->Progress();
-  progress.Caption(std::string(caption));
-  progress.Label(std::string());
-  progress.Percentage(0.0);
-  progress.Show();
-  LoaderResources resources(&progress);
+  cgpSistema& session = *Ob_cgpSistema();
+  ProgressWindow* progress = list.progress ? &session.Progress() : nullptr;
+  if (progress) {
+    progress->Caption(std::string(list.caption));
+    progress->Label(std::string());
+    progress->Percentage(0.0);
+    progress->Show();
+  }
+  LoaderResources resources(progress);
 
   resources.rows = OpenStatement();
   Recordset& rows = *resources.rows;
   const int32_t count = rows.RecordCount();
-  if (count > 1) {
+  if (count > 1 && list.choose_entry) {
     combo.AddItem(std::string(kChooseEntry));
     combo.ItemData(combo.NewIndex(), 0);
   }
+  Field& text = rows.Fields().Item(list.text_column);
+  Field& code = rows.Fields().Item(list.code_column);
   int32_t done = 0;
   while (!rows.Eof()) {
-    combo.AddItem(CellText(rows.Fields().Item(text_column).Value()));
-    combo.ItemData(combo.NewIndex(), CLng(rows.Fields().Item(code_column).Value()));
+    combo.AddItem(CellText(text.Value()));
+    combo.ItemData(combo.NewIndex(), CLng(code.Value()));
     ++done;
-    progress.Percentage(100.0 * done / count);
+    if (progress) progress->Percentage(100.0 * done / count);
     rows.MoveNext();
+  }
+  if (count == 0 && !list.empty_message.empty()) {
+    combo.AddItem(std::string(kNothingEntry));
+    combo.ItemData(combo.NewIndex(), 0);
+    session.Messages().Show(std::string(list.empty_message), vbInformation, std::string());
   }
 }
 
-void ListCollection::FillSearchGrid(FlexGrid& grid, TextControl& count) {
+void DataManager::FillSearchGrid(FlexGrid& grid, TextControl* count, const std::vector<GridColumn>& columns,
+                                 bool leading_tab) {
   LoaderResources resources(nullptr);
   resources.rows = OpenStatement();
   Recordset& rows = *resources.rows;
   Fields& fields = rows.Fields();
+  // The cells' fields and patterns are looked up once, not per row.
+  std::vector<std::pair<Field*, std::string_view>> cells;
+  if (columns.empty()) {
+    for (int32_t i = 0; i < fields.Count(); ++i) cells.emplace_back(&fields.Item(i), std::string_view());
+  } else {
+    for (const GridColumn& column : columns) cells.emplace_back(&fields.Item(column.name), column.format);
+  }
+  std::string line;
   while (!rows.Eof()) {
-    std::string line;
-    for (int32_t i = 0; i < fields.Count(); ++i) {
-      line.push_back('\t');
-      line += CellText(fields.Item(i).Value());
+    line.clear();
+    for (size_t i = 0; i < cells.size(); ++i) {
+      if (leading_tab || i > 0) line.push_back('\t');
+      const auto& [field, format] = cells[i];
+      line += format.empty() ? CellText(field->Value()) : Format(field->Value(), format);
     }
     grid.AddItem(line);
     rows.MoveNext();
   }
-  count.Text(RecordCountText(rows.RecordCount()));
+  if (count) count->Text(RecordCountText(rows.RecordCount()));
 }
 
-bool ListCollection::IsPostcodeFilter(std::string_view Ds_Condicao) {
+void ListCollection::FillTableComboBox(ComboBox& combo, std::string_view table, std::string_view text_column,
+                                       std::string_view code_column, std::string_view caption,
+                                       std::string_view Ds_Condicao) {
+  SqlLines sql;
+  sql << "SELECT A.*"
+      << "FROM   " + std::string(table) + " A";
+  AddFilter(sql, Ds_Condicao);
+  sql << "ORDER BY A." + std::string(text_column) << ";";
+  ds_sql_ = sql;
+  FillComboBox(combo, {.caption = caption, .text_column = text_column, .code_column = code_column});
+}
+
+bool DataManager::IsPostcodeFilter(std::string_view Ds_Condicao) {
   return UCase(Left(Ds_Condicao, Len(kPostcodeFilterStart))) == UCase(kPostcodeFilterStart);
 }
 
-void ListCollection::AddFilter(SqlLines& sql, std::string_view Ds_Condicao) {
-  if (!Ds_Condicao.empty()) sql << "WHERE " + std::string(Ds_Condicao);
+void DataManager::AddFilter(SqlLines& sql, std::string_view Ds_Condicao, std::string_view keyword) {
+  if (!Ds_Condicao.empty()) sql << std::string(keyword) + std::string(Ds_Condicao);
 }
 
 std::string CellText(const Variant& value) { return Format(value); }

@@ -93,8 +93,8 @@ void RecordManager::Excluir() {
 }
 
 void RecordManager::ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegistro) {
-  if (KeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Consultar");
-  ds_sql_ = SelectStatement();
+  if (LookupKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Consultar");
+  ds_sql_ = ConsultarStatement();
   auto recordset = OpenStatement();
   if (recordset->RecordCount() == 0) {
     if (Ic_RestaurarDefaulSeNaoEcontrarRegistro) {
@@ -110,7 +110,7 @@ void RecordManager::ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegist
 
 void RecordManager::Alterar(bool /*Ic_Salvando*/) {
   Run("Alterar", [&] {
-    if (KeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Alterar");
+    if (LookupKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Alterar");
     ds_sql_ = SelectStatement();
     auto recordset = OpenStatement();
     if (recordset->RecordCount() == 0) {

@@ -55,9 +55,14 @@ class RecordManager : public DataManager {
 
   // True when the key is not given: a numeric key column 0 or a text one empty.
   virtual bool KeyMissing();
+  // True when Consultar and Alterar have nothing to look the row up by (the
+  // key, unless the record has other look-ups).
+  virtual bool LookupKeyMissing() { return KeyMissing(); }
   virtual std::string DeleteStatement();
-  // The statement of Consultar and Alterar.
+  // The statement of Alterar, and of Consultar unless it reads more.
   virtual std::string SelectStatement();
+  // The statement of Consultar.
+  virtual std::string ConsultarStatement() { return SelectStatement(); }
   // The statement of Incluir: the table's columns and no row.
   virtual std::string EmptySelectStatement();
 
@@ -114,6 +119,41 @@ class cgdRecord : public RecordManager {
 
  private:
   std::shared_ptr<Cgp> record_;
+};
+
+// A record found by a text column when its numeric key is 0 (street types and
+// titles by name, makes and models by description): Consultar and Alterar
+// look it up by the key when it is given, else by the text, written between
+// quotes as it stands (refused when it holds an apostrophe); with neither
+// they raise 0x80040201. Excluir still needs the key.
+template <class Cgp>
+class cgdRecordFoundByText : public cgdRecord<Cgp> {
+ protected:
+  // `text_lookup_head` is the look-up's first two lines ("SELECT A.*" and
+  // "FROM   Tb A", each with its carriage return); `text_lookup_tail` what
+  // follows its WHERE line.
+  cgdRecordFoundByText(std::string_view table, std::string_view text_column, std::string text_lookup_head,
+                       std::string text_lookup_tail)
+      : cgdRecord<Cgp>(table),
+        text_column_(text_column),
+        text_lookup_head_(std::move(text_lookup_head)),
+        text_lookup_tail_(std::move(text_lookup_tail)) {}
+
+  bool LookupKeyMissing() override { return this->KeyMissing() && Text().empty(); }
+
+  std::string SelectStatement() override {
+    if (!this->KeyMissing()) return RecordManager::SelectStatement();
+    const std::string text = Text();
+    this->RequireNoApostrophe(text_column_, text);
+    return text_lookup_head_ + "WHERE  A." + text_column_ + " = '" + text + "'\r" + text_lookup_tail_;
+  }
+
+ private:
+  std::string Text() { return CStr(this->Ob_cgp()->Get(text_column_)); }
+
+  std::string text_column_;
+  std::string text_lookup_head_;
+  std::string text_lookup_tail_;
 };
 
 }  // namespace vek

@@ -29,7 +29,8 @@ std::shared_ptr<const PropertyList> SessionProperties() {
 cgpSistema::cgpSistema()
     : cgp(SessionProperties()),
       clock_(std::make_shared<SystemClock>()),
-      progress_(std::make_shared<SilentProgress>()) {
+      progress_(std::make_shared<SilentProgress>()),
+      messages_(std::make_shared<SilentMessageBox>()) {
   cgpSistema::RestaurarDefault();
 }
 
@@ -135,6 +136,12 @@ ProgressWindow& cgpSistema::Progress() const { return *progress_; }
 
 void cgpSistema::SetProgress(std::shared_ptr<ProgressWindow> progress) {
   progress_ = progress ? std::move(progress) : std::make_shared<SilentProgress>();
+}
+
+MessageBox& cgpSistema::Messages() const { return *messages_; }
+
+void cgpSistema::SetMessages(std::shared_ptr<MessageBox> messages) {
+  messages_ = messages ? std::move(messages) : std::make_shared<SilentMessageBox>();
 }
 
 }  // namespace vek

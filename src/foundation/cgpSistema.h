@@ -14,6 +14,7 @@ namespace vek {
 
 class Clock;
 class Connection;
+class MessageBox;
 class ProgressWindow;
 
 class cgpSistema : public cgp {
@@ -44,6 +45,11 @@ class cgpSistema : public cgp {
   ProgressWindow& Progress() const;
   void SetProgress(std::shared_ptr<ProgressWindow> progress);
 
+  // Where messages for the person at the screen go; a silent box (which
+  // answers the safe choice) unless the program gives its own.
+  MessageBox& Messages() const;
+  void SetMessages(std::shared_ptr<MessageBox> messages);
+
   // The operating company's property object (its Cd_Pessoa is written for
   // Cd_PessoaUsuaria codes left at 0).
   std::shared_ptr<cgp> Ob_cgpEmpresaUsuaria() const { return empresa_usuaria_; }
@@ -56,6 +62,7 @@ class cgpSistema : public cgp {
   std::shared_ptr<Clock> clock_;
   std::shared_ptr<cgp> empresa_usuaria_;
   std::shared_ptr<ProgressWindow> progress_;
+  std::shared_ptr<MessageBox> messages_;
 };
 
 }  // namespace vek

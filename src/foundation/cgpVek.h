@@ -13,11 +13,40 @@ namespace vek {
   };
 
 VEK_RECORD_PROPERTIES(cgpSequenciadores, "TbSequenciadores")
+
+// People and addresses.
 VEK_RECORD_PROPERTIES(cgpUF, "TbUF")
 VEK_RECORD_PROPERTIES(cgpCidade, "TbCidade")
 VEK_RECORD_PROPERTIES(cgpBairro, "TbBairro")
+VEK_RECORD_PROPERTIES(cgpTipoLogradouro, "TbTipoLogradouro")
+VEK_RECORD_PROPERTIES(cgpLogradouro, "TbLogradouro")
+VEK_RECORD_PROPERTIES(cgpCEP_Logradouro, "TbCEP_TbLogradouro")
+VEK_RECORD_PROPERTIES(cgpTipoEndereco, "TbTipoEndereco")
+VEK_RECORD_PROPERTIES(cgpTituloEPatente, "TbTituloEPatente")
+VEK_RECORD_PROPERTIES(cgpPessoa, "TbPessoa")
+VEK_RECORD_PROPERTIES(cgpPessoaFisica, "TbPessoaFisica")
+VEK_RECORD_PROPERTIES(cgpPessoaJuridica, "TbPessoaJuridica")
+VEK_RECORD_PROPERTIES(cgpEndereco, "TbEndereco")
+VEK_RECORD_PROPERTIES(cgpTelefone, "TbTelefone")
+VEK_RECORD_PROPERTIES(cgpEMail, "TbEMail")
+
+// The operating company and its users. The company's access-control
+// parameter is read with it and may be missing: it holds Null then.
 VEK_RECORD_PROPERTIES(cgpEmpresaUsuariaSistema, "TbEmpresaUsuariaSistema",
-                      {"Qt_MinutosMaximoSaidaAposPagamento", PropertyType::Long})
+                      {"Qt_MinutosMaximoSaidaAposPagamento", PropertyType::Variant})
+VEK_RECORD_PROPERTIES(cgpUsuario, "TbUsuario")
+
+// Tariffs.
+VEK_RECORD_PROPERTIES(cgpTipoReceita, "TbTipoReceita")
+VEK_RECORD_PROPERTIES(cgpTarifa, "TbTarifa")
+
+// Vehicles. A company's parking vehicle is read together with the vehicle.
+VEK_RECORD_PROPERTIES(cgpCor, "TbCor")
+VEK_RECORD_PROPERTIES(cgpMarcaModelo, "TbMarcaModelo")
+VEK_RECORD_PROPERTIES(cgpVeiculo, "TbVeiculo")
+VEK_RECORD_PROPERTIES(cgpVeiculoEstacionamento, "TbVeiculoEstacionamento",
+                      {"No_Frota", PropertyType::Long}, {"Cd_EmpresaOnibus", PropertyType::Long},
+                      {"Cd_Cor", PropertyType::Long}, {"Cd_MarcaModelo", PropertyType::Long})
 
 #undef VEK_RECORD_PROPERTIES
 

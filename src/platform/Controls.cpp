@@ -53,4 +53,16 @@ void ListGrid::AddItem(const std::string& tab_separated_line) {
   lines_.push_back(tab_separated_line);
 }
 
+int32_t SilentMessageBox::Show(const std::string& prompt, int32_t buttons, const std::string& title) {
+  messages_.push_back(Message{prompt, buttons, title});
+  switch (buttons & 7) {
+    case vbOKCancel:
+    case vbYesNoCancel:
+    case vbRetryCancel: return vbCancel;
+    case vbYesNo: return vbNo;
+    case vbAbortRetryIgnore: return vbAbort;
+    default: return vbOK;
+  }
+}
+
 }  // namespace vek

@@ -68,6 +68,31 @@ class ProgressWindow {
   virtual bool Visible() const = 0;
 };
 
+// The buttons and icon of a message, and the answers (the old MsgBox's).
+enum VbMsgBoxStyle : int32_t {
+  vbOKOnly = 0,
+  vbOKCancel = 1,
+  vbAbortRetryIgnore = 2,
+  vbYesNoCancel = 3,
+  vbYesNo = 4,
+  vbRetryCancel = 5,
+  vbCritical = 16,
+  vbQuestion = 32,
+  vbExclamation = 48,
+  vbInformation = 64,
+  vbDefaultButton2 = 256,
+  vbDefaultButton3 = 512,
+};
+enum VbMsgBoxResult : int32_t { vbOK = 1, vbCancel = 2, vbAbort = 3, vbRetry = 4, vbIgnore = 5, vbYes = 6, vbNo = 7 };
+
+// A message shown to the person at the screen, who answers with a button.
+class MessageBox {
+ public:
+  virtual ~MessageBox() = default;
+  // `buttons` is a VbMsgBoxStyle sum; returns a VbMsgBoxResult.
+  virtual int32_t Show(const std::string& prompt, int32_t buttons, const std::string& title) = 0;
+};
+
 // ItemData and List of an index outside 0 .. ListCount() - 1 raise error 381.
 class ListComboBox final : public ComboBox {
  public:
@@ -148,6 +173,22 @@ class SilentProgress final : public ProgressWindow {
   std::string label_;
   double percentage_ = 0.0;
   bool visible_ = false;
+};
+
+// For programs without a screen: remembers every message and answers the
+// safe choice among the buttons offered (Cancel, else No, else Abort, else OK).
+class SilentMessageBox final : public MessageBox {
+ public:
+  struct Message {
+    std::string prompt;
+    int32_t buttons = vbOKOnly;
+    std::string title;
+  };
+  int32_t Show(const std::string& prompt, int32_t buttons, const std::string& title) override;
+  const std::vector<Message>& Messages() const { return messages_; }
+
+ private:
+  std::vector<Message> messages_;
 };
 
 }  // namespace vek

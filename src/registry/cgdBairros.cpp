@@ -24,7 +24,7 @@ void cgdBairros::CarregarComboBox(ComboBox& Ob_ComboBox, const std::string& Ds_C
           << ";";
     }
     ds_sql_ = sql;
-    FillComboBox(Ob_ComboBox, "Carregando os bairros", "Nm_Bairro", "Cd_Bairro");
+    FillComboBox(Ob_ComboBox, {.caption = "Carregando os bairros", .text_column = "Nm_Bairro", .code_column = "Cd_Bairro"});
   });
 }
 

@@ -31,7 +31,7 @@ void cgdUFs::BuildComboStatement(const std::string& Ds_Condicao) {
 void cgdUFs::CarregarComboBox(ComboBox& Ob_ComboBox, const std::string& Ds_Condicao) {
   Run("CarregarComboBox", [&] {
     BuildComboStatement(Ds_Condicao);
-    FillComboBox(Ob_ComboBox, kCaption, "Nm_UF", "Cd_UF");
+    FillComboBox(Ob_ComboBox, {.caption = kCaption, .text_column = "Nm_UF", .code_column = "Cd_UF"});
   });
 }
 
@@ -39,7 +39,7 @@ void cgdUFs::CarregarComboBoxSomenteSigla(ComboBox& Ob_ComboBox, const std::stri
   // Its link in the error chain says CarregarComboBox, as it always has.
   Run("CarregarComboBox", [&] {
     BuildComboStatement(Ds_Condicao);
-    FillComboBox(Ob_ComboBox, kCaption, "Sg_UF", "Cd_UF");
+    FillComboBox(Ob_ComboBox, {.caption = kCaption, .text_column = "Sg_UF", .code_column = "Cd_UF"});
   });
 }
 
