@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/TerminalDatabase.h"
@@ -14,6 +16,7 @@ namespace {
 
 using testing::kBrazilLocale;
 using testing::kDotLocale;
+using testing::ErrorOf;
 using testing::LocaleGuard;
 
 // A collection whose grid shows money and dates, which the address lists
@@ -65,6 +68,146 @@ TEST(ListLoaderTest, GridCellsOfMoneyAndDatesReadFromTheDatabase) {
   caixas.CarregarMSFlexGridDeBusca(grid, count);
   EXPECT_EQ(grid.Lines(), (std::vector<std::string>{"\t1\t21/11/2026 06:05:04\t1234,5678", "\t2\t\t"}));
   EXPECT_EQ(count.Text(), "2");
+}
+
+// A data manager that fills lists with options of the test's choosing, on
+// the revenue types every terminal holds.
+class cgdListasDeTeste : public ListCollection {
+ public:
+  void CarregarComboBox(ComboBox& combo, const std::string& filter, bool choose_entry, bool progress,
+                        std::string_view empty_message) {
+    Run("CarregarComboBox", [&] {
+      SqlLines sql;
+      sql << "SELECT Cd_TipoReceita, Nm_TipoReceita"
+          << "FROM   TbTipoReceita";
+      AddFilter(sql, filter);
+      sql << "ORDER BY Cd_TipoReceita";
+      ds_sql_ = sql;
+      FillComboBox(combo, {.caption = "Carregando os tipos",
+                           .text_column = "Nm_TipoReceita",
+                           .code_column = "Cd_TipoReceita",
+                           .choose_entry = choose_entry,
+                           .progress = progress,
+                           .empty_message = empty_message});
+    });
+  }
+  void CarregarMSFlexGrid(FlexGrid& grid, TextControl* count, const std::vector<GridColumn>& columns,
+                          bool leading_tab) {
+    Run("CarregarMSFlexGrid", [&] {
+      ds_sql_ = SqlLines() << "SELECT T.Cd_Tarifa, T.Ds_Tarifa, T.Vl_Tarifa, R.Nm_TipoReceita"
+                           << "FROM   TbTarifa T JOIN TbTipoReceita R ON R.Cd_TipoReceita = T.Cd_TipoReceita"
+                           << "ORDER BY T.Cd_Tarifa";
+      FillSearchGrid(grid, count, columns, leading_tab);
+    });
+  }
+};
+
+using Entries = std::vector<std::pair<std::string, int32_t>>;
+
+Entries EntriesOf(const ListComboBox& combo) {
+  Entries entries;
+  for (int32_t i = 0; i < combo.ListCount(); ++i) entries.emplace_back(combo.List(i), combo.ItemData(i));
+  return entries;
+}
+
+class ListOptionsTest : public ::testing::Test {
+ protected:
+  ListOptionsTest() {
+    listas.Ob_cgpSistema(db.session);
+    db.session->SetProgress(progress);
+    db.session->SetMessages(messages);
+    progress->Caption("antes");
+  }
+
+  testing::TerminalDatabase db;
+  std::shared_ptr<SilentProgress> progress = std::make_shared<SilentProgress>();
+  std::shared_ptr<SilentMessageBox> messages = std::make_shared<SilentMessageBox>();
+  cgdListasDeTeste listas;
+  ListComboBox combo;
+};
+
+TEST_F(ListOptionsTest, APickListMayGoWithoutTheChooseEntryAndWithoutTheProgressWindow) {
+  combo.AddItem("left from before");
+  listas.CarregarComboBox(combo, "", false, false, "");
+  EXPECT_EQ(EntriesOf(combo), (Entries{{"EMBARQUE", 1}, {"ESTACIONAMENTO", 2}, {"SANITARIO", 3}, {"MALEX", 4}}));
+  EXPECT_EQ(progress->Caption(), "antes");  // never touched
+  EXPECT_EQ(progress->Percentage(), 0.0);
+
+  listas.CarregarComboBox(combo, "Cd_TipoReceita > 2", true, true, "");
+  EXPECT_EQ(EntriesOf(combo), (Entries{{"--ESCOLHA-->", 0}, {"SANITARIO", 3}, {"MALEX", 4}}));
+  EXPECT_EQ(progress->Caption(), "Carregando os tipos");
+  EXPECT_EQ(progress->Percentage(), 100.0);
+  EXPECT_FALSE(progress->Visible());
+  EXPECT_TRUE(messages->Messages().empty());
+}
+
+TEST_F(ListOptionsTest, AnEmptyListWithAMessageHoldsNenhumAndTellsThePersonAtTheScreen) {
+  combo.AddItem("left from before");
+  listas.CarregarComboBox(combo, "Cd_TipoReceita > 4", true, true, "Não existe nenhum tipo cadastrado");
+  EXPECT_EQ(EntriesOf(combo), (Entries{{"NENHUM", 0}}));
+  EXPECT_EQ(combo.NewIndex(), 0);
+  ASSERT_EQ(messages->Messages().size(), 1u);
+  EXPECT_EQ(messages->Messages()[0].prompt, "Não existe nenhum tipo cadastrado");
+  EXPECT_EQ(messages->Messages()[0].buttons, vbInformation);
+  EXPECT_FALSE(progress->Visible());
+
+  // Without a message an empty list stays empty and nothing is said.
+  listas.CarregarComboBox(combo, "Cd_TipoReceita > 4", true, true, "");
+  EXPECT_EQ(combo.ListCount(), 0);
+  // One row is no empty list, and two need no message either.
+  listas.CarregarComboBox(combo, "Cd_TipoReceita = 4", true, true, "vazio");
+  EXPECT_EQ(EntriesOf(combo), (Entries{{"MALEX", 4}}));
+  listas.CarregarComboBox(combo, "Cd_TipoReceita < 3", false, true, "vazio");
+  EXPECT_EQ(EntriesOf(combo), (Entries{{"EMBARQUE", 1}, {"ESTACIONAMENTO", 2}}));
+  EXPECT_EQ(messages->Messages().size(), 1u);
+
+  // A failing list says nothing: the error is the message.
+  const VekError error = ErrorOf([&] { listas.CarregarComboBox(combo, "Cd_Nada = 1", true, true, "vazio"); });
+  EXPECT_EQ(error.Source(), testing::ProviderSource() + " -> cgdListasDeTeste.CarregarComboBox, ");
+  EXPECT_EQ(messages->Messages().size(), 1u);
+  EXPECT_FALSE(progress->Visible());
+}
+
+TEST_F(ListOptionsTest, TheSessionsMessageBoxIsASilentOneUnlessTheProgramGivesItsOwn) {
+  auto session = std::make_shared<cgpSistema>();
+  // No screen: the safe answer.
+  EXPECT_EQ(session->Messages().Show("Excluir o registro?", vbYesNo + vbQuestion, "Vek"), vbNo);
+  session->SetMessages(messages);
+  EXPECT_EQ(&session->Messages(), messages.get());
+  session->SetMessages(nullptr);
+  EXPECT_NE(&session->Messages(), messages.get());
+  EXPECT_EQ(session->Messages().Show("Gravar?", vbOKCancel, ""), vbCancel);
+  EXPECT_TRUE(messages->Messages().empty());
+}
+
+TEST_F(ListOptionsTest, GridColumnsComeInTheOrderGivenWithTheirPatterns) {
+  db.Query("INSERT INTO TbTarifa (Cd_Tarifa, Ds_Tarifa, Vl_Tarifa, Cd_TipoReceita) "
+           "VALUES (1, 'Embarque', 1234.5678, 1)");
+  db.Query("INSERT INTO TbTarifa (Cd_Tarifa, Ds_Tarifa, Cd_TipoReceita) VALUES (2500, 'Sem valor', 3)");
+  LocaleGuard brazil(kBrazilLocale);
+  ListGrid grid;
+  TextBox count;
+  listas.CarregarMSFlexGrid(grid, &count,
+                            {{"Nm_TipoReceita"}, {"Vl_Tarifa", "###,###,##0.00"}, {"Cd_Tarifa", "###,###,##0"}},
+                            false);
+  // Null through a pattern is an empty cell too.
+  EXPECT_EQ(grid.Lines(), (std::vector<std::string>{"EMBARQUE	1.234,57	1", "SANITARIO		2.500"}));
+  EXPECT_EQ(count.Text(), "2");
+
+  // With the leading tab, and no count control at all.
+  ListGrid tabbed;
+  listas.CarregarMSFlexGrid(tabbed, nullptr, {{"Ds_Tarifa"}}, true);
+  EXPECT_EQ(tabbed.Lines(), (std::vector<std::string>{"\tEmbarque", "\tSem valor"}));
+
+  // A column the statement lacks fails before any line is written.
+  ListGrid wrong;
+  count.Text("antes");
+  const VekError error =
+      ErrorOf([&] { listas.CarregarMSFlexGrid(wrong, &count, {{"Cd_Tarifa"}, {"Nm_Inexistente"}}, false); });
+  EXPECT_EQ(error.Number(), 3265);
+  EXPECT_NE(error.Source().find(" -> cgdListasDeTeste.CarregarMSFlexGrid, "), std::string::npos) << error.Source();
+  EXPECT_TRUE(wrong.Lines().empty());
+  EXPECT_EQ(count.Text(), "antes");
 }
 
 TEST(ListLoaderTest, APostcodeFilterIsOneWhoseFirst26CharactersAreTheClause) {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "support/TestSupport.h"
 
@@ -103,6 +105,30 @@ TEST(SilentControlsTest, AProgressWindowIsVisibleFromShowToClose) {
   EXPECT_TRUE(progress.Visible());
   progress.Close();
   EXPECT_FALSE(progress.Visible());
+}
+
+TEST(SilentControlsTest, AMessageBoxWithoutAScreenAnswersTheSafeChoiceAndRemembersEveryMessage) {
+  SilentMessageBox silent;
+  MessageBox& box = silent;
+  // Icons and the default button don't change which answer is safe.
+  const std::vector<std::pair<int32_t, int32_t>> cases = {
+      {vbOKOnly, vbOK},
+      {vbOKOnly + vbInformation, vbOK},
+      {vbOKCancel, vbCancel},
+      {vbAbortRetryIgnore, vbAbort},
+      {vbYesNoCancel + vbQuestion + vbDefaultButton3, vbCancel},
+      {vbYesNo, vbNo},
+      {vbYesNo + vbCritical + vbDefaultButton2, vbNo},
+      {vbRetryCancel + vbExclamation, vbCancel},
+  };
+  for (const auto& [buttons, answer] : cases) {
+    EXPECT_EQ(box.Show("Pergunta " + std::to_string(buttons), buttons, "Vek"), answer) << buttons;
+  }
+  ASSERT_EQ(silent.Messages().size(), cases.size());
+  EXPECT_EQ(silent.Messages()[2].prompt, "Pergunta 1");
+  EXPECT_EQ(silent.Messages()[2].buttons, vbOKCancel);
+  EXPECT_EQ(silent.Messages()[6].buttons, vbYesNo + vbCritical + vbDefaultButton2);
+  EXPECT_EQ(silent.Messages()[6].title, "Vek");
 }
 
 }  // namespace
