@@ -26,6 +26,7 @@ RecordManager::RecordManager(std::string_view table, std::vector<std::string_vie
   for (std::string_view column : key_columns) {
     const schema::ColumnDef* definition = table_->FindColumn(column);
     const bool first = keys_.empty();
+    if (definition && IsTextColumn(*definition)) quoted_columns_.emplace_back(column);
     keys_.push_back({std::string(column), definition && IsTextColumn(*definition),
                      (first ? "WHERE  " : "       And ") + std::string(column) + " = ",
                      (first ? "WHERE  A." : "       and A.") + std::string(column) + " = "});
@@ -108,9 +109,16 @@ void RecordManager::ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegist
   recordset->Close();
 }
 
+void RecordManager::RequireQuotableValues() {
+  for (const std::string& column : quoted_columns_) {
+    if (RecordObject().HasProperty(column)) RequireNoApostrophe(column, CStr(RecordObject().Get(column)));
+  }
+}
+
 void RecordManager::Alterar(bool /*Ic_Salvando*/) {
   Run("Alterar", [&] {
     if (LookupKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Alterar");
+    RequireQuotableValues();
     ds_sql_ = SelectStatement();
     auto recordset = OpenStatement();
     if (recordset->RecordCount() == 0) {
@@ -137,6 +145,7 @@ void RecordManager::NumberNewRecord() {
 
 void RecordManager::Incluir() {
   Run("Incluir", [&] {
+    RequireQuotableValues();
     NumberNewRecord();
     ds_sql_ = EmptySelectStatement();
     auto recordset = OpenStatement();

@@ -77,7 +77,17 @@ class RecordManager : public DataManager {
 
   const schema::TableDef& Table() const { return *table_; }
 
+  // Marks a text column that some look-up writes between quotes (a login
+  // name, a name looked up by): like the text key columns, Incluir and
+  // Alterar refuse a value of it that holds an apostrophe, so nothing is
+  // stored that could never be found again.
+  void QuotedInLookups(std::string_view column) { quoted_columns_.emplace_back(column); }
+
  private:
+  // Refuses (0x80040458 naming the field) a value that a statement would put
+  // between quotes while it holds an apostrophe.
+  void RequireQuotableValues();
+
   void NumberNewRecord();
 
   struct KeyColumn {
@@ -89,6 +99,7 @@ class RecordManager : public DataManager {
 
   const schema::TableDef* table_;
   std::vector<KeyColumn> keys_;
+  std::vector<std::string> quoted_columns_;  // text keys and QuotedInLookups
   std::string delete_start_;  // "DELETE " / "FROM   Tb"
   std::string select_start_;  // "SELECT A.*" / "FROM   Tb A"
 };
@@ -137,7 +148,9 @@ class cgdRecordFoundByText : public cgdRecord<Cgp> {
       : cgdRecord<Cgp>(table),
         text_column_(text_column),
         text_lookup_head_(std::move(text_lookup_head)),
-        text_lookup_tail_(std::move(text_lookup_tail)) {}
+        text_lookup_tail_(std::move(text_lookup_tail)) {
+    this->QuotedInLookups(text_column);
+  }
 
   bool LookupKeyMissing() override { return this->KeyMissing() && Text().empty(); }
 

@@ -20,7 +20,10 @@ namespace vek {
 
 class cgdUsuario : public cgdRecord<cgpUsuario> {
  public:
-  cgdUsuario() : cgdRecord("TbUsuario") {}
+  cgdUsuario() : cgdRecord("TbUsuario") {
+    QuotedInLookups("Nm_Usuario");
+    QuotedInLookups("Ds_CriptoSenha");
+  }
 
   // True exactly when no user of any company is there yet: the
   // installation's first access.

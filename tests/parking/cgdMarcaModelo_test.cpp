@@ -117,7 +117,12 @@ TEST_F(cgdMarcaModeloTest, SavingWithoutACodeUpdatesTheOneOfThatDescriptionInste
   const VekError refused = ErrorOf([&] { nova.Salvar(); });
   EXPECT_EQ(refused.Number(), kBusinessError);
   EXPECT_EQ(refused.Source(), " -> cgdMarcaModelo.Alterar,  -> cgdMarcaModelo.Salvar, ");
+  // Under its code, or as a new row, the description could never be looked up again.
+  nova.Ob_cgp()->Let("Cd_MarcaModelo", Variant(1));
+  EXPECT_EQ(ErrorOf([&] { nova.Salvar(); }).Number(), kBusinessError);
+  EXPECT_EQ(ErrorOf([&] { nova.Incluir(); }).Number(), kBusinessError);
   EXPECT_EQ(db.statements.size(), sent);
+  EXPECT_EQ(db.Query("SELECT * FROM TbMarcaModelo WHERE Ds_MarcaModelo LIKE '%''%'")->RecordCount(), 0);
 }
 
 TEST_F(cgdMarcaModeloTest, ThePickListAndTheGridGoByDescription) {

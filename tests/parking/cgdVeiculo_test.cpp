@@ -110,6 +110,8 @@ TEST_F(cgdVeiculoTest, APlateHoldingAnApostropheIsRefusedBeforeAnyStatement) {
            {"Consultar", [&] { veiculo.Consultar(); }},
            {"Alterar", [&] { veiculo.Alterar(); }},
            {"Excluir", [&] { veiculo.Excluir(); }},
+           // A row stored under such a plate could never be found again.
+           {"Incluir", [&] { veiculo.Incluir(); }},
        }) {
     const VekError refused = ErrorOf(call);
     EXPECT_EQ(refused.Number(), kBusinessError) << member;
