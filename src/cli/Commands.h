@@ -12,6 +12,12 @@ namespace vek::cli {
 
 void AddSqlCommand(CLI::App& app);
 void AddInitCommand(CLI::App& app);
+void AddDemoCommand(CLI::App& app);
+
+// The whole tool: parses the arguments, runs the command and returns the
+// exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
+// usage). Help and version go to `out`, as the command's own output does.
+int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
 
 // vek init's work: makes `folder` (and its parents), writes Vek.ini for the
 // embedded database, creates Vek.db and MDESTACIONAMENTO.db with every table
@@ -29,5 +35,18 @@ struct ServerDatabase {
 // database, and the schema is created there (safe to run again).
 void InitTerminalFolder(const std::filesystem::path& folder, const ServerDatabase& postgres,
                         std::ostream& out);
+
+// How vek demo runs the day.
+struct DemoOptions {
+  bool system_clock = false;  // else a fixed clock at 02/03/2026 06:00
+  bool progress_bar = false;  // a bar on stderr (when stdout is a terminal)
+};
+// vek demo's work: makes `folder` a fresh terminal folder (as vek init
+// --force does, after emptying it when an earlier demo made it) and lives
+// one day at the terminal on it through the library, printing each step to
+// `out`. The folder becomes the application folder (SetAppPath), as it is
+// for a desktop program started there. Raises 0x80040458 when the folder
+// holds a terminal the demo did not make, and whatever a step raises.
+void RunDemo(const std::filesystem::path& folder, const DemoOptions& options, std::ostream& out);
 
 }  // namespace vek::cli
