@@ -117,7 +117,7 @@ void RecordManager::RequireQuotableValues() {
 
 void RecordManager::Alterar(bool /*Ic_Salvando*/) {
   Run("Alterar", [&] {
-    if (LookupKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Alterar");
+    if (UpdateKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Alterar");
     RequireQuotableValues();
     ds_sql_ = SelectStatement();
     auto recordset = OpenStatement();

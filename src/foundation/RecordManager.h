@@ -58,6 +58,8 @@ class RecordManager : public DataManager {
   // True when Consultar and Alterar have nothing to look the row up by (the
   // key, unless the record has other look-ups).
   virtual bool LookupKeyMissing() { return KeyMissing(); }
+  // True when Alterar has nothing to find the row by; Salvar then inserts.
+  virtual bool UpdateKeyMissing() { return LookupKeyMissing(); }
   virtual std::string DeleteStatement();
   // The statement of Alterar, and of Consultar unless it reads more.
   virtual std::string SelectStatement();
@@ -133,10 +135,13 @@ class cgdRecord : public RecordManager {
 };
 
 // A record found by a text column when its numeric key is 0 (street types and
-// titles by name, makes and models by description): Consultar and Alterar
-// look it up by the key when it is given, else by the text, written between
-// quotes as it stands (refused when it holds an apostrophe); with neither
-// they raise 0x80040201. Excluir still needs the key.
+// titles by name, makes and models by description): Consultar looks it up by
+// the key when it is given, else by the text, written between quotes as it
+// stands (refused when it holds an apostrophe); with neither it raises
+// 0x80040201. Alterar and Excluir need the key, so that Salvar of a record
+// whose key is 0 always inserts, even under a text already there. The text
+// is refused with an apostrophe on every write too: a row stored so could
+// never be found by it.
 template <class Cgp>
 class cgdRecordFoundByText : public cgdRecord<Cgp> {
  protected:
@@ -153,9 +158,10 @@ class cgdRecordFoundByText : public cgdRecord<Cgp> {
   }
 
   bool LookupKeyMissing() override { return this->KeyMissing() && Text().empty(); }
+  bool UpdateKeyMissing() override { return this->KeyMissing(); }
 
-  std::string SelectStatement() override {
-    if (!this->KeyMissing()) return RecordManager::SelectStatement();
+  std::string ConsultarStatement() override {
+    if (!this->KeyMissing()) return this->SelectStatement();
     const std::string text = Text();
     this->RequireNoApostrophe(text_column_, text);
     return text_lookup_head_ + "WHERE  A." + text_column_ + " = '" + text + "'\r" + text_lookup_tail_;
