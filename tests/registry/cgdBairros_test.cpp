@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/RecordingControls.h"
 #include "support/TerminalDatabase.h"
 #include "vek/platform/Controls.h"
 
@@ -13,38 +14,7 @@ namespace vek {
 namespace {
 
 using testing::ErrorOf;
-
-// Remembers every call in order, so a test sees the window shown under its
-// caption, advanced, and closed.
-class RecordingProgress final : public ProgressWindow {
- public:
-  void Caption(const std::string& caption) override { caption_ = caption; }
-  std::string Caption() const override { return caption_; }
-  void Label(const std::string& label) override { label_ = label; }
-  std::string Label() const override { return label_; }
-  void Percentage(double percentage) override {
-    percentage_ = percentage;
-    steps.push_back(percentage);
-  }
-  double Percentage() const override { return percentage_; }
-  void Show() override {
-    visible_ = true;
-    calls.push_back("Show " + caption_);
-  }
-  void Close() override {
-    visible_ = false;
-    calls.push_back("Close");
-  }
-  bool Visible() const override { return visible_; }
-
-  std::vector<std::string> calls;
-  std::vector<double> steps;
-
- private:
-  std::string caption_, label_;
-  double percentage_ = 0.0;
-  bool visible_ = false;
-};
+using testing::RecordingProgress;
 
 const std::string kPostcodeStatementStart =
     "SELECT TbBairro.CD_BAIRRO,\r"
@@ -97,11 +67,7 @@ class cgdBairrosTest : public ::testing::Test {
     db.Query("INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro, Cd_Cidade) VALUES (8, 'Asa Sul', 4)");
   }
 
-  std::vector<std::pair<std::string, int32_t>> ComboEntries() const {
-    std::vector<std::pair<std::string, int32_t>> entries;
-    for (int32_t i = 0; i < combo.ListCount(); ++i) entries.emplace_back(combo.List(i), combo.ItemData(i));
-    return entries;
-  }
+  testing::Entries ComboEntries() const { return testing::EntriesOf(combo); }
 
   testing::TerminalDatabase db;
   std::shared_ptr<RecordingProgress> progress = std::make_shared<RecordingProgress>();
@@ -109,7 +75,7 @@ class cgdBairrosTest : public ::testing::Test {
   ListComboBox combo;
 };
 
-using Entries = std::vector<std::pair<std::string, int32_t>>;
+using testing::Entries;
 
 TEST_F(cgdBairrosTest, APostcodeListsItsCitysNeighbourhoodsAfterTheChooseEntry) {
   combo.AddItem("left from before");
