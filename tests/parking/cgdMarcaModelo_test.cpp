@@ -94,21 +94,17 @@ TEST_F(cgdMarcaModeloTest, ANewOneIsNumberedAndDeletingNeedsTheCode) {
   EXPECT_EQ(db.Query("SELECT * FROM TbMarcaModelo")->RecordCount(), 0);
 }
 
-TEST_F(cgdMarcaModeloTest, SavingWithoutACodeUpdatesTheOneOfThatDescriptionInsteadOfAddingAnother) {
+TEST_F(cgdMarcaModeloTest, SavingWithoutACodeAlwaysAddsAnotherAndADescriptionWithAnApostropheIsRefused) {
   InsertModels();
-  marca.Ob_cgp()->Let("Ds_MarcaModelo", Variant("fiat uno"));  // descriptions compare without case
-  marca.Salvar();
-  EXPECT_EQ(CLng(marca.Ob_cgp()->Get("Cd_MarcaModelo")), 2);
-  EXPECT_EQ(db.statements.back(), "SELECT A.*\rFROM   TbMarcaModelo A\rWHERE  A.Ds_MarcaModelo = 'fiat uno'\r;\r");
-  auto rows = db.Query("SELECT Ds_MarcaModelo FROM TbMarcaModelo WHERE Cd_MarcaModelo = 2");
-  EXPECT_EQ(CStr(rows->Fields().Item(0).Value()), "fiat uno");
-  EXPECT_EQ(db.Query("SELECT * FROM TbMarcaModelo")->RecordCount(), 3);
-
+  // Only Consultar looks a make up by its description: a code of 0 is a new row.
   cgdMarcaModelo nova;
   nova.Ob_cgpSistema(db.session);
-  nova.Ob_cgp()->Let("Ds_MarcaModelo", Variant("Fiat Mobi"));
+  nova.Ob_cgp()->Let("Ds_MarcaModelo", Variant("fiat uno"));
   nova.Salvar();
-  EXPECT_GT(CLng(nova.Ob_cgp()->Get("Cd_MarcaModelo")), 3000);
+  EXPECT_EQ(CLng(nova.Ob_cgp()->Get("Cd_MarcaModelo")), 3001);
+  EXPECT_EQ(db.statements, std::vector<std::string>{"SELECT A.*\rFROM   TbMarcaModelo A\rWHERE  A.Cd_MarcaModelo = 0\r;\r"});
+  auto rows = db.Query("SELECT Ds_MarcaModelo FROM TbMarcaModelo WHERE Cd_MarcaModelo = 2");
+  EXPECT_EQ(CStr(rows->Fields().Item(0).Value()), "Fiat Uno");  // untouched
   EXPECT_EQ(db.Query("SELECT * FROM TbMarcaModelo")->RecordCount(), 4);
 
   nova.Ob_cgp()->Let("Cd_MarcaModelo", Variant(0));
@@ -116,7 +112,7 @@ TEST_F(cgdMarcaModeloTest, SavingWithoutACodeUpdatesTheOneOfThatDescriptionInste
   const size_t sent = db.statements.size();
   const VekError refused = ErrorOf([&] { nova.Salvar(); });
   EXPECT_EQ(refused.Number(), kBusinessError);
-  EXPECT_EQ(refused.Source(), " -> cgdMarcaModelo.Alterar,  -> cgdMarcaModelo.Salvar, ");
+  EXPECT_EQ(refused.Source(), " -> cgdMarcaModelo.Incluir,  -> cgdMarcaModelo.Salvar, ");
   // Under its code, or as a new row, the description could never be looked up again.
   nova.Ob_cgp()->Let("Cd_MarcaModelo", Variant(1));
   EXPECT_EQ(ErrorOf([&] { nova.Salvar(); }).Number(), kBusinessError);
