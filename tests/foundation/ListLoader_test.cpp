@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/RecordingControls.h"
 #include "support/TerminalDatabase.h"
 #include "vek/platform/Controls.h"
 
@@ -102,13 +103,8 @@ class cgdListasDeTeste : public ListCollection {
   }
 };
 
-using Entries = std::vector<std::pair<std::string, int32_t>>;
-
-Entries EntriesOf(const ListComboBox& combo) {
-  Entries entries;
-  for (int32_t i = 0; i < combo.ListCount(); ++i) entries.emplace_back(combo.List(i), combo.ItemData(i));
-  return entries;
-}
+using testing::Entries;
+using testing::EntriesOf;
 
 class ListOptionsTest : public ::testing::Test {
  protected:

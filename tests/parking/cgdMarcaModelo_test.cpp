@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/RecordingControls.h"
 #include "support/TerminalDatabase.h"
 #include "vek/foundation/MessageCatalogue.h"
 #include "vek/platform/Controls.h"
@@ -16,13 +17,8 @@ namespace {
 
 using testing::ErrorOf;
 using testing::Lines;
-using Entries = std::vector<std::pair<std::string, int32_t>>;
-
-Entries EntriesOf(const ListComboBox& combo) {
-  Entries entries;
-  for (int32_t i = 0; i < combo.ListCount(); ++i) entries.emplace_back(combo.List(i), combo.ItemData(i));
-  return entries;
-}
+using testing::Entries;
+using testing::EntriesOf;
 
 class cgdMarcaModeloTest : public ::testing::Test {
  protected:

@@ -6,21 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "support/RecordingControls.h"
 #include "support/TerminalDatabase.h"
 #include "vek/platform/Controls.h"
 
 namespace vek {
 namespace {
 
-using Entries = std::vector<std::pair<std::string, int32_t>>;
+using testing::Entries;
+using testing::EntriesOf;
 
 using testing::ErrorOf;
-
-Entries EntriesOf(const ComboBox& combo) {
-  Entries entries;
-  for (int32_t i = 0; i < combo.ListCount(); ++i) entries.emplace_back(combo.List(i), combo.ItemData(i));
-  return entries;
-}
 
 const std::string kPlainStart = "SELECT A.*\rFROM   TbUF A\r";
 const std::string kPlainEnd = "ORDER BY A.Nm_UF\r;\r";
