@@ -1,5 +1,6 @@
 #include "vek/db/Connection.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "vek/db/DateText.h"
@@ -19,6 +20,9 @@ namespace {
 // Translations are kept per connection: the system runs the same few hundred
 // statement texts over and over.
 constexpr size_t kMaxCachedTranslations = 2048;
+// A data manager alternates a handful of shapes (Salvar: its SELECT, then the
+// UPDATE or the INSERT); more templates would cost more than they save.
+constexpr size_t kMaxTemplates = 8;
 
 void RefuseMoreThanOneStatement(const std::string& text) {
   if (dialect::HoldsMoreThanOneStatement(text)) {
@@ -37,6 +41,11 @@ std::string TranslateFor(Dialect dialect, std::string_view text) {
 
 }  // namespace
 
+struct Connection::KnownTemplate {
+  ShapeTemplate shape_template;
+  const ShapeEntry* entry;
+};
+
 Connection::Connection() : clock_(std::make_shared<SystemClock>()) {}
 
 Connection::~Connection() { Close(); }
@@ -46,6 +55,11 @@ void Connection::Open(const std::string& connection_string) {
   if (!connection_string.empty()) connection_string_ = connection_string;
   driver_ = OpenDriver(connection_string_, [this] { return GetClock()->Now(); });
   translations_.clear();
+  ForgetShapes();
+}
+
+void Connection::ForgetShapes() {
+  templates_.clear();
   shapes_.clear();
 }
 
@@ -142,8 +156,10 @@ const Connection::ShapeEntry& Connection::Shape(const std::string& text, const S
     entry.usable = true;
     entry.text = std::move(translated->text);
     entry.order = std::move(translated->order);
+    entry.in_order = entry.order.size() == shape.literals.size();
+    for (size_t i = 0; entry.in_order && i < entry.order.size(); ++i) entry.in_order = entry.order[i] == i;
   }
-  if (shapes_.size() >= kMaxCachedTranslations) shapes_.clear();
+  if (shapes_.size() >= kMaxCachedTranslations) ForgetShapes();
   return shapes_.emplace(shape.key, std::move(entry)).first->second;
 }
 
@@ -155,19 +171,38 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
   if (dialect == Dialect::PostgreSQL) TellServerTheTime(driver);
   // SQL Server's own text is not shaped: bound, its literals would change type.
   if (translate && parameters.empty() && dialect != Dialect::SqlServer) {
-    if (std::optional<StatementShape> shape = ShapeOf(text, dialect)) {
+    const auto run_shaped = [&driver](const ShapeEntry& entry, std::vector<Variant>& found) {
+      if (entry.in_order) return driver.Run(entry.text, found);
+      std::vector<Variant> literals;
+      literals.reserve(entry.order.size());
+      for (size_t index : entry.order) literals.push_back(std::move(found[index]));
+      return driver.Run(entry.text, literals);
+    };
+    for (size_t i = 0; i < templates_.size(); ++i) {
+      if (std::optional<std::vector<Variant>> found = MatchShape(text, templates_[i].shape_template)) {
+        if (i != 0) std::rotate(templates_.begin(), templates_.begin() + static_cast<std::ptrdiff_t>(i),
+                                templates_.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+        return run_shaped(*templates_.front().entry, *found);
+      }
+    }
+    ShapeTemplate shape_template;
+    if (std::optional<StatementShape> shape = ShapeOf(text, dialect, &shape_template)) {
       const ShapeEntry& entry = Shape(text, *shape);
       if (entry.usable) {
-        std::vector<Variant> literals;
-        literals.reserve(entry.order.size());
-        for (size_t index : entry.order) literals.push_back(std::move(shape->literals[index]));
-        return driver.Run(entry.text, literals);
+        RememberTemplate(std::move(shape_template), entry);
+        return run_shaped(entry, shape->literals);
       }
     }
   }
   if (translate) return driver.Run(Translate(text), parameters);
   RefuseMoreThanOneStatement(text);
   return driver.Run(text, parameters);
+}
+
+void Connection::RememberTemplate(ShapeTemplate shape_template, const ShapeEntry& entry) {
+  if (!shape_template.Usable()) return;
+  if (templates_.size() >= kMaxTemplates) templates_.pop_back();
+  templates_.insert(templates_.begin(), KnownTemplate{std::move(shape_template), &entry});
 }
 
 void Connection::TellServerTheTime(Driver& driver) {

@@ -26,6 +26,7 @@ class Clock;
 class Parameters;
 class Recordset;
 struct StatementShape;
+struct ShapeTemplate;
 
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
@@ -93,6 +94,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void TellServerTheTime(Driver& driver);
   struct ShapeEntry;
   const ShapeEntry& Shape(const std::string& text, const StatementShape& shape);
+  void RememberTemplate(ShapeTemplate shape_template, const ShapeEntry& entry);
+  void ForgetShapes();
 
   std::string connection_string_;
   std::unique_ptr<Driver> driver_;
@@ -106,8 +109,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
     bool usable = false;  // false: texts of this shape are translated one by one
     std::string text;
     std::vector<size_t> order;
+    bool in_order = false;  // order is 0, 1, 2 ...: the literals go as found
   };
   std::unordered_map<std::string, ShapeEntry> shapes_;
+  // The templates of the usable shapes run last, most recent first: a text
+  // that matches one skips the tokenizer. They point into shapes_.
+  struct KnownTemplate;
+  std::vector<KnownTemplate> templates_;
 };
 
 }  // namespace vek

@@ -98,9 +98,22 @@ class Context {
   size_t list_depth_ = 0;
 };
 
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// A character that would carry a number token on past its digits ("12e3",
+// "0x1F", "12.5", "12abc"): after such a character an integer literal is not
+// recognised by a template.
+bool ContinuesNumber(char c) {
+  return IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '.' || c == '$' ||
+         c == '@' || c == '#';
+}
+
 // Walks the statement's tokens once, building its shape and, when asked, its
-// probe text. The text between literals is copied in one piece.
-std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::string* probe_text) {
+// probe text and template. The text between literals is copied in one piece.
+std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::string* probe_text,
+                                   ShapeTemplate* shape_template = nullptr) {
+  if (shape_template) *shape_template = ShapeTemplate();
+  bool templated = shape_template != nullptr;
   const bool decimals_bound = dialect != Dialect::PostgreSQL;
   StatementShape shape;
   try {
@@ -135,6 +148,11 @@ std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::
         const size_t index = shape.literals.size();
         const std::string_view before = text.substr(copied, token.offset - copied);
         shape.key.append(before).append({'\x02', kind});
+        if (templated) {
+          templated = templated && kind != 'r' && (kind == 'i' || token.kind == TokenKind::String);
+          shape_template->pieces.emplace_back(before);
+          shape_template->kinds.push_back(kind);
+        }
         if (probe_text) {
           probe_text->append(before);
           switch (kind) {
@@ -151,8 +169,18 @@ std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::
     }
     shape.key.append(text.substr(copied));
     if (probe_text) probe_text->append(text.substr(copied));
+    if (templated) shape_template->pieces.emplace_back(text.substr(copied));
   } catch (const VekError&) {
+    if (shape_template) *shape_template = ShapeTemplate();
     return std::nullopt;  // the tokenizer refused it: the translation will say why
+  }
+  if (shape_template) {
+    // An integer followed by what would carry its token on can't be told apart by the template.
+    for (size_t i = 0; templated && i < shape_template->kinds.size(); ++i) {
+      const std::string& after = shape_template->pieces[i + 1];
+      templated = shape_template->kinds[i] != 'i' || after.empty() || !ContinuesNumber(after.front());
+    }
+    if (!templated || shape.literals.empty()) *shape_template = ShapeTemplate();
   }
   if (shape.literals.empty()) return std::nullopt;
   return shape;
@@ -160,8 +188,53 @@ std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::
 
 }  // namespace
 
-std::optional<StatementShape> ShapeOf(std::string_view text, Dialect dialect) {
-  return Walk(text, dialect, nullptr);
+std::optional<StatementShape> ShapeOf(std::string_view text, Dialect dialect, ShapeTemplate* shape_template) {
+  return Walk(text, dialect, nullptr, shape_template);
+}
+
+std::optional<std::vector<Variant>> MatchShape(std::string_view text, const ShapeTemplate& shape_template) {
+  if (!shape_template.Usable()) return std::nullopt;
+  const size_t count = shape_template.kinds.size();
+  std::vector<Variant> literals;
+  literals.reserve(count);
+  size_t pos = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const std::string& piece = shape_template.pieces[i];
+    if (text.substr(pos, piece.size()) != piece) return std::nullopt;
+    pos += piece.size();
+    if (shape_template.kinds[i] == 'i') {
+      // As the tokenizer reads it: a run of digits, not carried on (the next
+      // piece does not start with such a character), and a value that fits.
+      size_t end = pos;
+      while (end < text.size() && IsDigit(text[end])) ++end;
+      if (end == pos) return std::nullopt;
+      int32_t value = 0;
+      auto [stop, error] = std::from_chars(text.data() + pos, text.data() + end, value);
+      if (error != std::errc() || stop != text.data() + end) return std::nullopt;
+      literals.emplace_back(value);
+      pos = end;
+      continue;
+    }
+    // A quoted text, '' standing for '.
+    if (pos >= text.size() || text[pos] != '\'') return std::nullopt;
+    size_t end = pos + 1;
+    for (;;) {
+      const size_t quote = text.find('\'', end);
+      if (quote == std::string_view::npos) return std::nullopt;
+      if (quote + 1 < text.size() && text[quote + 1] == '\'') {
+        end = quote + 2;
+        continue;
+      }
+      end = quote + 1;
+      break;
+    }
+    const Token token{TokenKind::String, text.substr(pos, end - pos), pos};
+    if ((dialect::IsSqliteDateLiteral(token) ? 'd' : 's') != shape_template.kinds[i]) return std::nullopt;
+    literals.emplace_back(dialect::SqliteStringLiteralValue(token));
+    pos = end;
+  }
+  if (text.substr(pos) != shape_template.pieces.back()) return std::nullopt;
+  return literals;
 }
 
 std::optional<ShapedTranslation> TranslateShape(

@@ -28,10 +28,26 @@ struct StatementShape {
   std::vector<Variant> literals;  // the values, as translated text would carry them
 };
 
+// The fixed text around a shape's literals, by which later texts of the same
+// shape are recognised without tokenizing them again. Only shapes whose
+// literals are all integers, texts or date texts have one.
+struct ShapeTemplate {
+  std::vector<std::string> pieces;  // one more than kinds: before, between and after the literals
+  std::string kinds;                // per literal: 'i' integer, 's' text, 'd' date text
+  bool Usable() const { return !pieces.empty(); }
+};
+
 // The shape of a statement, or nothing when it can't be shaped (another
 // kind of statement, parameters of its own, no literals, a text the
-// tokenizer refuses).
-std::optional<StatementShape> ShapeOf(std::string_view text, Dialect dialect = Dialect::SQLite);
+// tokenizer refuses). `shape_template`, when given, receives the shape's
+// template (left empty when the shape has none).
+std::optional<StatementShape> ShapeOf(std::string_view text, Dialect dialect = Dialect::SQLite,
+                                      ShapeTemplate* shape_template = nullptr);
+
+// The literals of `text` when it is the template's text with other literals
+// of the same kinds in their places, as ShapeOf would give them; nothing
+// when it is not (ShapeOf then decides).
+std::optional<std::vector<Variant>> MatchShape(std::string_view text, const ShapeTemplate& shape_template);
 
 // A shape's translation with "?" for each literal, and for each "?" in order
 // the index of the literal it takes.

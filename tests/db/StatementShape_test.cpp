@@ -120,5 +120,75 @@ TEST_F(StatementShapeTest, AShapeWhoseTranslationMovesALiteralIsNotParameterized
   EXPECT_EQ(faithful->order, (std::vector<size_t>{0, 1}));
 }
 
+// A template must give exactly what the tokenizer would: the same literals
+// for a text of its shape, and nothing for a text whose shape differs.
+TEST_F(StatementShapeTest, ATemplateRecognisesOnlyTextsOfItsOwnShape) {
+  const std::string head = "SELECT A.*\rFROM   TbBairro A\rWHERE  A.Cd_Bairro = ";
+  ShapeTemplate shape_template;
+  const auto first = ShapeOf(head + "1\r   and A.Nm_Bairro = 'Centro'\r;\r", Dialect::SQLite, &shape_template);
+  ASSERT_TRUE(first);
+  ASSERT_TRUE(shape_template.Usable());
+  EXPECT_EQ(shape_template.kinds, "is");
+
+  for (const std::string& text : {head + "2147483647\r   and A.Nm_Bairro = 'D''Ávila'\r;\r",
+                                 head + "007\r   and A.Nm_Bairro = ''\r;\r"}) {
+    const auto matched = MatchShape(text, shape_template);
+    const auto walked = ShapeOf(text);
+    ASSERT_TRUE(matched && walked) << text;
+    EXPECT_EQ(*matched, walked->literals) << text;
+    EXPECT_EQ(walked->key, first->key) << text;
+  }
+  // A date where the shape had other text, a number too big for a Long, a
+  // decimal, a number carried on by a letter, another fixed text, a quote
+  // left open, a parameter of its own: each is the tokenizer's to judge.
+  for (const std::string& text : {head + "2\r   and A.Nm_Bairro = '21/11/2026'\r;\r",
+                                 head + "2147483648\r   and A.Nm_Bairro = 'Centro'\r;\r",
+                                 head + "2.5\r   and A.Nm_Bairro = 'Centro'\r;\r",
+                                 head + "2e3\r   and A.Nm_Bairro = 'Centro'\r;\r",
+                                 head + "-2\r   and A.Nm_Bairro = 'Centro'\r;\r",
+                                 head + "2\r   and A.Nm_Bairro = N'Centro'\r;\r",
+                                 head + "2\r   and A.Nm_Bairro = 'Centro\r;\r",
+                                 head + "2\r   and A.Nm_Bairro = 'Centro'\r;\r ",
+                                 head + "?\r   and A.Nm_Bairro = 'Centro'\r;\r"}) {
+    EXPECT_FALSE(MatchShape(text, shape_template)) << text;
+  }
+
+  // Shapes with a decimal, a national text or a number that a letter follows
+  // get no template; ShapeOf alone reads them.
+  for (const char* text : {"SELECT * FROM TbBairro WHERE Cd_Bairro = 2.5",
+                           "SELECT * FROM TbBairro WHERE Nm_Bairro = N'Centro'",
+                           "SELECT 1x FROM TbBairro WHERE Cd_Bairro = 2"}) {
+    ShapeTemplate none;
+    ShapeOf(text, Dialect::SQLite, &none);
+    EXPECT_FALSE(none.Usable()) << text;
+  }
+}
+
+// Texts that a remembered template recognises still reach the hook as built
+// and run with their own values, alternating between shapes.
+TEST_F(StatementShapeTest, TextsRecognisedByATemplateRunWithTheirOwnValues) {
+  std::vector<std::string> seen;
+  connection_->OnStatement([&](const std::string& text) { seen.push_back(text); });
+  std::string names;
+  for (int round = 0; round < 2; ++round) {
+    for (int key = 1; key <= 3; ++key) {
+      const std::string select = "SELECT Nm_Bairro FROM TbBairro WHERE Cd_Bairro = " + std::to_string(key);
+      names += Column(connection_->Execute(select));
+      int32_t affected = 0;
+      connection_->Execute("UPDATE TbBairro SET Nm_Bairro = 'B" + std::to_string(key + round * 10) +
+                               "' WHERE Cd_Bairro = " + std::to_string(key),
+                           affected);
+      EXPECT_EQ(affected, 1);
+    }
+  }
+  EXPECT_EQ(names, "Centro;Vila;Aeroporto;B1;B2;B3;");
+  ASSERT_EQ(seen.size(), 12u);
+  EXPECT_EQ(seen[10], "SELECT Nm_Bairro FROM TbBairro WHERE Cd_Bairro = 3");
+  EXPECT_EQ(seen[11], "UPDATE TbBairro SET Nm_Bairro = 'B13' WHERE Cd_Bairro = 3");
+  // A text of a known shape that the template can't read falls back to the tokenizer.
+  EXPECT_EQ(Column(connection_->Execute("SELECT Nm_Bairro FROM TbBairro WHERE Cd_Bairro = 02")), "B12;");
+  EXPECT_EQ(Column(connection_->Execute("SELECT Nm_Bairro FROM TbBairro WHERE Cd_Bairro = 2147483648")), "");
+}
+
 }  // namespace
 }  // namespace vek
