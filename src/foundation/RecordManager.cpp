@@ -1,5 +1,7 @@
 #include "vek/foundation/RecordManager.h"
 
+#include <charconv>
+
 #include "vek/db/Recordset.h"
 #include "vek/foundation/MessageCatalogue.h"
 #include "vek/foundation/Sequences.h"
@@ -68,19 +70,52 @@ std::string RecordManager::KeyLiteral(std::string_view column, bool text) {
 
 std::string RecordManager::KeyClauses(bool for_delete, bool zero_keys) {
   std::string clauses;
-  for (const KeyColumn& key : keys_) {
-    clauses += for_delete ? key.delete_head : key.select_head;
-    clauses += zero_keys ? (key.text ? "''" : "0") : KeyLiteral(key.name, key.text);
-    clauses += '\r';
-  }
+  AppendKeyClauses(clauses, for_delete, zero_keys);
   return clauses;
 }
 
-std::string RecordManager::DeleteStatement() { return delete_start_ + KeyClauses(true, false); }
+void RecordManager::AppendKeyClauses(std::string& text, bool for_delete, bool zero_keys) {
+  for (const KeyColumn& key : keys_) {
+    text += for_delete ? key.delete_head : key.select_head;
+    if (zero_keys) {
+      text += key.text ? "''" : "0";
+    } else if (key.text) {
+      text += KeyLiteral(key.name, true);
+    } else {
+      // A numeric key goes in as digits without a string of its own.
+      char digits[16];
+      text.append(digits, std::to_chars(digits, digits + sizeof digits, CLng(RecordObject().Get(key.name))).ptr);
+    }
+    text += '\r';
+  }
+}
 
-std::string RecordManager::SelectStatement() { return select_start_ + KeyClauses(false, false) + ";\r"; }
+// The standard statements are built in one string each: Consultar runs one per call.
+std::string RecordManager::DeleteStatement() {
+  std::string text;
+  text.reserve(delete_start_.size() + 32 * keys_.size());
+  text += delete_start_;
+  AppendKeyClauses(text, true, false);
+  return text;
+}
 
-std::string RecordManager::EmptySelectStatement() { return select_start_ + KeyClauses(false, true) + ";\r"; }
+std::string RecordManager::SelectStatement() {
+  std::string text;
+  text.reserve(select_start_.size() + 32 * keys_.size() + 2);
+  text += select_start_;
+  AppendKeyClauses(text, false, false);
+  text += ";\r";
+  return text;
+}
+
+std::string RecordManager::EmptySelectStatement() {
+  std::string text;
+  text.reserve(select_start_.size() + 32 * keys_.size() + 2);
+  text += select_start_;
+  AppendKeyClauses(text, false, true);
+  text += ";\r";
+  return text;
+}
 
 void RecordManager::Excluir() {
   Run("Excluir", [&] {

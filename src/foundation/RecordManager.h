@@ -91,6 +91,7 @@ class RecordManager : public DataManager {
   void RequireQuotableValues();
 
   void NumberNewRecord();
+  void AppendKeyClauses(std::string& text, bool for_delete, bool zero_keys);
 
   struct KeyColumn {
     std::string name;
@@ -125,7 +126,10 @@ class cgdRecord : public RecordManager {
     });
   }
 
-  cgp& RecordObject() override { return *Ob_cgp(); }
+  cgp& RecordObject() override {
+    if (!record_) record_ = std::make_shared<Cgp>();
+    return *record_;
+  }
 
  protected:
   using RecordManager::RecordManager;

@@ -80,9 +80,32 @@ Variant DefaultValue(PropertyType type) {
   return Variant();
 }
 
+namespace {
+
+// The variant type that a property type holds.
+VariantType HeldType(PropertyType type) {
+  switch (type) {
+    case PropertyType::Boolean: return VariantType::Boolean;
+    case PropertyType::Byte: return VariantType::Byte;
+    case PropertyType::Integer: return VariantType::Integer;
+    case PropertyType::Long: return VariantType::Long;
+    case PropertyType::Double: return VariantType::Double;
+    case PropertyType::Currency: return VariantType::Currency;
+    case PropertyType::Date: return VariantType::Date;
+    case PropertyType::String: return VariantType::String;
+    case PropertyType::Variant: break;
+  }
+  return VariantType::Empty;
+}
+
+}  // namespace
+
 Variant ConvertToProperty(const Variant& value, PropertyType type) {
   // A typed property refuses Null as a late-bound assignment did: type mismatch.
   if (value.IsNull() && type != PropertyType::Variant) RaiseRuntimeError(kTypeMismatch);
+  // A value of the property's own type converts to itself (the copy of a
+  // row into its record, nearly always).
+  if (type == PropertyType::Variant || value.Type() == HeldType(type)) return value;
   switch (type) {
     case PropertyType::Boolean: return CBool(value);
     case PropertyType::Byte: return CByte(value);

@@ -291,8 +291,9 @@ class SqliteDriver final : public Driver {
     return cached;
   }
 
+  // Every parameter is bound on every run (the count must match), so the
+  // previous run's values need no clearing.
   void Bind(sqlite3_stmt* statement, std::span<const Variant> parameters) {
-    sqlite3_clear_bindings(statement);
     const int expected = sqlite3_bind_parameter_count(statement);
     if (static_cast<int>(parameters.size()) != expected) {
       RaiseDbError(adErrUnspecified, kSource,
