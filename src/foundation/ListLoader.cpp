@@ -1,5 +1,6 @@
 #include "vek/foundation/ListLoader.h"
 
+#include <charconv>
 #include <memory>
 
 #include "vek/db/Enums.h"
@@ -14,6 +15,22 @@ namespace vek {
 namespace {
 
 constexpr std::string_view kCountPattern = "###,###,##0";
+
+// CellText appended to a line: texts and whole numbers, nearly every cell of
+// a search grid, go in without a string of their own.
+void AppendCellText(std::string& line, const Variant& value) {
+  char digits[16];
+  int32_t number = 0;
+  switch (value.Type()) {
+    case VariantType::Null: return;
+    case VariantType::String: line += *value.Get<std::string>(); return;
+    case VariantType::Long: number = *value.Get<int32_t>(); break;
+    case VariantType::Integer: number = *value.Get<int16_t>(); break;
+    case VariantType::Byte: number = *value.Get<uint8_t>(); break;
+    default: line += CellText(value); return;
+  }
+  line.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
 
 // Closes what a loader opened, whether it finished or failed: a window left
 // on screen after an error would hide the form that shows the error.
@@ -94,7 +111,11 @@ void DataManager::FillSearchGrid(FlexGrid& grid, TextControl* count, const std::
     for (size_t i = 0; i < cells.size(); ++i) {
       if (leading_tab || i > 0) line.push_back('\t');
       const auto& [field, format] = cells[i];
-      line += format.empty() ? CellText(field->Value()) : Format(field->Value(), format);
+      if (format.empty()) {
+        AppendCellText(line, field->Value());
+      } else {
+        line += Format(field->Value(), format);
+      }
     }
     grid.AddItem(line);
     rows.MoveNext();
