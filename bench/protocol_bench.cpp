@@ -13,6 +13,8 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <variant>
+#include <vector>
 
 #include "ProtocolLoop.h"
 #include "vek/db/Connection.h"
@@ -99,13 +101,25 @@ class HandWritten {
     sqlite3_close(db_);
   }
 
-  // Reads every column of the row, as the protocol copies them.
+  // Reads every column of the row into values, as the protocol copies them
+  // into its record.
   int Select(int key) {
     sqlite3_bind_int(select_, 1, key);
     int columns = 0;
     while (sqlite3_step(select_) == SQLITE_ROW) {
-      for (int i = 0; i < sqlite3_column_count(select_); ++i) {
-        if (sqlite3_column_type(select_, i) == SQLITE_TEXT) sqlite3_column_text(select_, i);
+      const int count = sqlite3_column_count(select_);
+      values_.resize(static_cast<size_t>(count));
+      for (int i = 0; i < count; ++i) {
+        Value& value = values_[static_cast<size_t>(i)];
+        switch (sqlite3_column_type(select_, i)) {
+          case SQLITE_INTEGER: value = sqlite3_column_int64(select_, i); break;
+          case SQLITE_FLOAT: value = sqlite3_column_double(select_, i); break;
+          case SQLITE_TEXT:
+            value = std::string(reinterpret_cast<const char*>(sqlite3_column_text(select_, i)),
+                                static_cast<size_t>(sqlite3_column_bytes(select_, i)));
+            break;
+          default: value = std::monostate{};
+        }
         ++columns;
       }
     }
@@ -140,6 +154,8 @@ class HandWritten {
     sqlite3_reset(statement);
   }
 
+  using Value = std::variant<std::monostate, sqlite3_int64, double, std::string>;
+  std::vector<Value> values_;  // the last row read
   sqlite3* db_ = nullptr;
   sqlite3_stmt* select_ = nullptr;
   sqlite3_stmt* update_ = nullptr;
