@@ -231,7 +231,11 @@ bool CBool(const Variant& value) {
 
 uint8_t CByte(const Variant& value) { return ToInteger<uint8_t>(value); }
 int16_t CInt(const Variant& value) { return ToInteger<int16_t>(value); }
-int32_t CLng(const Variant& value) { return ToInteger<int32_t>(value); }
+int32_t CLng(const Variant& value) {
+  // Keys and codes are Longs already: nothing to round or check.
+  if (const int32_t* number = value.Get<int32_t>()) return *number;
+  return ToInteger<int32_t>(value);
+}
 
 double CDbl(const Variant& value) { return NumericValue(value); }
 

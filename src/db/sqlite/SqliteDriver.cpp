@@ -237,6 +237,7 @@ class SqliteDriver final : public Driver {
   }
 
   void Close() noexcept override {
+    last_ = nullptr;
     statements_.clear();
     lru_.clear();
     db_.reset();
@@ -261,8 +262,12 @@ class SqliteDriver final : public Driver {
   }
 
   CachedStatement& Prepare(const std::string& text) {
+    // The statement run last is the front of the LRU; the same text again
+    // (a data manager's look-up in a loop) needs no hashing.
+    if (last_ != nullptr && *last_->lru_position == text) return *last_;
     if (auto hit = statements_.find(text); hit != statements_.end()) {
       lru_.splice(lru_.begin(), lru_, hit->second.lru_position);
+      last_ = &hit->second;
       return hit->second;
     }
     sqlite3_stmt* raw = nullptr;
@@ -282,6 +287,7 @@ class SqliteDriver final : public Driver {
     }
     lru_.push_front(text);
     CachedStatement& cached = statements_[text];
+    last_ = &cached;
     cached.handle = std::move(handle);
     cached.lru_position = lru_.begin();
     const std::string first_word = UCase(Left(LTrim(text), 6));
@@ -308,9 +314,9 @@ class SqliteDriver final : public Driver {
         case VariantType::Empty:
         case VariantType::Null: code = sqlite3_bind_null(statement, at); break;
         case VariantType::Boolean: code = sqlite3_bind_int(statement, at, *value.Get<bool>() ? 1 : 0); break;
-        case VariantType::Byte:
-        case VariantType::Integer:
-        case VariantType::Long: code = sqlite3_bind_int64(statement, at, CLng(value)); break;
+        case VariantType::Byte: code = sqlite3_bind_int64(statement, at, *value.Get<uint8_t>()); break;
+        case VariantType::Integer: code = sqlite3_bind_int64(statement, at, *value.Get<int16_t>()); break;
+        case VariantType::Long: code = sqlite3_bind_int64(statement, at, *value.Get<int32_t>()); break;
         case VariantType::Double: code = sqlite3_bind_double(statement, at, *value.Get<double>()); break;
         case VariantType::Currency:
           code = sqlite3_bind_double(statement, at, value.Get<Currency>()->ToDouble());
@@ -421,6 +427,7 @@ class SqliteDriver final : public Driver {
   std::function<Date()> now_;
   std::unordered_map<std::string, CachedStatement> statements_;
   std::list<std::string> lru_;
+  CachedStatement* last_ = nullptr;  // the front of lru_, or nullptr
   std::unordered_map<std::string, TableInfo> tables_;
 };
 
