@@ -134,7 +134,15 @@ Variant cgp::Get(std::string_view name) const {
 void cgp::Let(std::string_view name, const Variant& value) {
   const int32_t index = properties_->IndexOf(name);
   if (index < 0) RaiseRuntimeError(kObjectDoesNotSupportProperty);
-  values_[static_cast<size_t>(index)] = ConvertToProperty(value, properties_->At(index).type);
+  const PropertyType type = properties_->At(index).type;
+  Variant& slot = values_[static_cast<size_t>(index)];
+  // A value of the property's own type is copied into place (a text into the
+  // text it replaces) rather than converted to itself first.
+  if (type == PropertyType::Variant || value.Type() == HeldType(type)) {
+    slot = value;
+    return;
+  }
+  slot = ConvertToProperty(value, type);
 }
 
 void cgp::RestaurarDefault() {
