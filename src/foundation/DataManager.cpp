@@ -16,11 +16,15 @@ std::shared_ptr<Connection> DataManager::SessionConnection() const {
 }
 
 std::shared_ptr<Recordset> DataManager::OpenStatement() {
-  const cgpSistema& session = *Ob_cgpSistema();
   auto recordset = std::make_shared<Recordset>();
-  recordset->Open(ds_sql_, SessionConnection(), static_cast<CursorTypeEnum>(CLng(session.Get("Cursor"))),
-                  static_cast<LockTypeEnum>(CLng(session.Get("LockType"))));
+  OpenStatement(*recordset);
   return recordset;
+}
+
+void DataManager::OpenStatement(Recordset& recordset) {
+  const cgpSistema& session = *Ob_cgpSistema();
+  recordset.Open(ds_sql_, SessionConnection(), static_cast<CursorTypeEnum>(CLng(session.Get("Cursor"))),
+                 static_cast<LockTypeEnum>(CLng(session.Get("LockType"))));
 }
 
 int32_t DataManager::ExecuteStatement() {

@@ -36,6 +36,9 @@ class DataManager {
   std::shared_ptr<Connection> SessionConnection() const;
   // Opens `ds_sql_` with the session's cursor and lock types.
   std::shared_ptr<Recordset> OpenStatement();
+  // The same into a record set of the caller's (a look-up's, read and
+  // dropped within the member).
+  void OpenStatement(Recordset& recordset);
   // Runs `ds_sql_` for its effect; returns the rows affected.
   int32_t ExecuteStatement();
 

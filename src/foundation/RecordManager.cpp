@@ -131,17 +131,19 @@ void RecordManager::Excluir() {
 void RecordManager::ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegistro) {
   if (LookupKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Consultar");
   ds_sql_ = ConsultarStatement();
-  auto recordset = OpenStatement();
-  if (recordset->RecordCount() == 0) {
+  // The row is read and dropped here: a record set of our own, not a shared one.
+  Recordset recordset;
+  OpenStatement(recordset);
+  if (recordset.RecordCount() == 0) {
     if (Ic_RestaurarDefaulSeNaoEcontrarRegistro) {
       RecordObject().RestaurarDefault();
       return;
     }
-    recordset->Close();
+    recordset.Close();
     RaiseError(kErrorRecordNotFound, RuntimeTypeName(*this), "Consultar");
   }
-  CopyRowToProperties(*recordset, RecordObject());
-  recordset->Close();
+  CopyRowToProperties(recordset, RecordObject());
+  recordset.Close();
 }
 
 void RecordManager::RequireQuotableValues() {
