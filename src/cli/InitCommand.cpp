@@ -14,7 +14,7 @@
 #include "vek/db/Connection.h"
 #include "vek/foundation/MessageCatalogue.h"
 #include "vek/foundation/SessionSettings.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/ProfileFile.h"
 #include "vek/platform/Text.h"

@@ -10,7 +10,7 @@
 #include "vek/db/dialect/PostgresTranslator.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/db/dialect/Statements.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Clock.h"
 #include "vek/platform/Text.h"
 

@@ -4,7 +4,7 @@
 
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/db/dialect/Tokenizer.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
 
 namespace vek {

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "vek/foundation/MessageCatalogue.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek {
 

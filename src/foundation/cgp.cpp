@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
 #include "vek/schema/Catalogue.h"
 

@@ -2,7 +2,7 @@
 
 #include "vek/db/Connection.h"
 #include "vek/foundation/SessionSettings.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Clock.h"
 #include "vek/platform/Controls.h"
 #include "vek/platform/Text.h"

@@ -1,6 +1,6 @@
 #include "vek/platform/Controls.h"
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek {
 

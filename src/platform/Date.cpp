@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/TextReader.h"
 
 namespace vek {

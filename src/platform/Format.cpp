@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Locale.h"
 
 namespace vek {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <system_error>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/ProfileFile.h"
 
 namespace vek {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <optional>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Locale.h"
 #include "vek/platform/Text.h"
 

@@ -15,7 +15,7 @@
 #include "support/TestSupport.h"
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Clock.h"
 #include "vek/platform/Text.h"

@@ -16,7 +16,7 @@
 
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/AppPath.h"
 #include "vek/platform/Locale.h"
 

@@ -1,7 +1,7 @@
 #include "vek/db/dialect/PostgresTranslator.h"
 
 #include "vek/db/dialect/TranslatorBase.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek::dialect {
 namespace {

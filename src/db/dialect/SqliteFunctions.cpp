@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "vek/db/dialect/DateText.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
 
 namespace vek::dialect {

@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek::dialect {
 namespace {

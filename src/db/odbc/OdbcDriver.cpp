@@ -13,7 +13,7 @@
 
 #include "vek/db/Command.h"
 #include "vek/db/DbError.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
 
 namespace vek {

@@ -26,7 +26,7 @@
 #include <unistd.h>
 
 #include "vek/db/dialect/PostgresTranslator.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
 #include "vek/schema/PostgresDdl.h"
 

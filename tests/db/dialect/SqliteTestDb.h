@@ -15,7 +15,7 @@
 #include "support/TestSupport.h"
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/db/dialect/SqliteTranslator.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 #include "vek/platform/Date.h"
 
 namespace vek::dialect::testing {

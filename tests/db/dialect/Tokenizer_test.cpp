@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek::dialect {
 namespace {

@@ -16,7 +16,7 @@
 #include "vek/db/DbError.h"
 #include "vek/db/Driver.h"
 #include "vek/db/Recordset.h"
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 namespace vek {
 namespace {

@@ -1,4 +1,4 @@
-#include "vek/foundation/VekError.h"
+#include "vek/platform/VekError.h"
 
 #include <utility>
 
