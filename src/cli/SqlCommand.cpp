@@ -1,6 +1,7 @@
 // vek sql: shows how a SQL Server statement reads in another dialect and,
 // with --run, runs it on a database and prints the rows.
 
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -10,6 +11,7 @@
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
 #include "vek/db/dialect/SqliteTranslator.h"
+#include "vek/foundation/MessageCatalogue.h"
 #include "vek/platform/Variant.h"
 
 namespace vek::cli {
@@ -36,9 +38,20 @@ void PrintRows(Recordset& rows) {
   std::cout << "(" << rows.RecordCount() << (rows.RecordCount() == 1 ? " row)\n" : " rows)\n");
 }
 
+// A database given as a path must be there: opening a mistyped path would
+// make an empty database file in its place.
+void RequireExistingDatabase(const std::string& database) {
+  if (database.find('=') != std::string::npos || database == ":memory:") return;  // a connection string
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(database, error)) {
+    throw VekError(kBusinessError, std::string(), "no database file at " + database);
+  }
+}
+
 void RunSql(const SqlOptions& options) {
+  if (!options.database.empty()) RequireExistingDatabase(options.database);
   std::string statement = options.statement;
-  if (statement.empty() || statement == "-") {
+  if (statement == "-") {
     statement.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
   }
   if (options.dialect == "sqlite") {
@@ -65,7 +78,8 @@ void AddSqlCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "sql", "Show a SQL Server statement as a dialect runs it; --run also runs it");
   command->add_option("statement", options->statement,
-                      "The statement (SQL Server text); '-' or nothing reads standard input");
+                      "The statement (SQL Server text); '-' reads standard input")
+      ->required();
   command->add_option("-d,--dialect", options->dialect, "Dialect to translate for")
       ->check(CLI::IsMember({"sqlite", "sqlserver"}))
       ->capture_default_str();

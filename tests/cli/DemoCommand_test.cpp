@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/ToolRun.h"
 #include "support/TestSupport.h"
 
 namespace vek {
@@ -16,6 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ErrorOf;
+using testing::RunTool;
+using testing::ToolRun;
 
 std::string FirstValue(Connection& connection, const std::string& statement) {
   auto rows = connection.Execute(statement);
@@ -38,20 +41,6 @@ int32_t CharColumn(const std::string& line, std::string_view needle) {
   return at == std::string::npos ? -1 : Len(line.substr(0, at));
 }
 
-// The tool run in-process, as main runs it.
-struct ToolRun {
-  int code;
-  std::string out;
-  std::string err;
-};
-ToolRun RunTool(std::vector<std::string> args) {
-  std::vector<const char*> argv{"vek"};
-  for (const std::string& arg : args) argv.push_back(arg.c_str());
-  std::ostringstream out;
-  std::ostringstream err;
-  const int code = cli::RunTool(static_cast<int>(argv.size()), argv.data(), out, err);
-  return {code, out.str(), err.str()};
-}
 
 class DemoCommandTest : public ::testing::Test {
  protected:

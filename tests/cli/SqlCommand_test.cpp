@@ -1,0 +1,59 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/Commands.h"
+#include "cli/ToolRun.h"
+#include "support/TestSupport.h"
+
+namespace vek {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::RunTool;
+using testing::ToolRun;
+
+TEST(SqlCommandTest, BadUsageIsExitTwoAndAMissingDatabaseIsRefusedWithoutMakingAFile) {
+  testing::ScratchFolder scratch;
+  const std::string missing = (scratch.Path() / "no-such" / "Vek.db").string();
+  const std::string mistyped = (scratch.Path() / "Vke.db").string();
+  const struct {
+    std::vector<std::string> args;
+    int code;
+  } cases[] = {
+      {{"sql"}, 2},                                          // no statement
+      {{"sql", "--dialect", "oracle", "SELECT 1"}, 2},       // no such dialect
+      {{"sql", "SELECT 1", "SELECT 2"}, 2},                  // one statement per call
+      {{"sql", "--run"}, 2},                                 // --run without its database
+      {{"sql", "--run", missing, "SELECT 1"}, 1},            // a folder that is not there
+      {{"sql", "--run", mistyped, "SELECT 1"}, 1},           // a typo in the file name
+      {{"sql", "--run", scratch.Path().string(), "SELECT 1"}, 1},  // a folder, not a file
+  };
+  for (const auto& tried : cases) {
+    const ToolRun run = RunTool(tried.args);
+    EXPECT_EQ(run.code, tried.code) << ::testing::PrintToString(tried.args) << run.err;
+    EXPECT_FALSE(run.err.empty()) << ::testing::PrintToString(tried.args);
+    if (tried.code == 1) {
+      EXPECT_NE(run.err.find("no database file at"), std::string::npos) << run.err;
+    }
+  }
+  EXPECT_FALSE(fs::exists(mistyped));
+  EXPECT_FALSE(fs::exists(scratch.Path() / "no-such"));
+}
+
+TEST(SqlCommandTest, AStatementRunsOnATerminalsDatabase) {
+  testing::ScratchFolder scratch;
+  std::ostringstream made;
+  cli::InitTerminalFolder(scratch.Path(), false, made);
+  const ToolRun run = RunTool({"sql", "--run", (scratch.Path() / "Vek.db").string(),
+                               "SELECT TOP 1 Nm_TipoReceita FROM TbTipoReceita ORDER BY Cd_TipoReceita"});
+  EXPECT_EQ(run.code, 0) << run.err;
+  EXPECT_NE(run.out.find("LIMIT 1"), std::string::npos) << run.out;  // the translation is shown
+  EXPECT_NE(run.out.find("Nm_TipoReceita\nEMBARQUE\n(1 row)"), std::string::npos) << run.out;
+}
+
+}  // namespace
+}  // namespace vek
