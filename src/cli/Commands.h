@@ -23,7 +23,10 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
 // embedded database, creates Vek.db and MDESTACIONAMENTO.db with every table
 // and the Modelos folder, and writes one line per file or folder to `out`.
 // Raises 0x80040458 when Vek.db is there and `force` is false; with `force`
-// the database keeps its data and gets what it misses.
+// the database keeps its data and gets what it misses. A Vek.ini already
+// there keeps every key it holds (only missing keys are written), so a
+// terminal whose database is on a server stays there and only its schema is
+// completed.
 void InitTerminalFolder(const std::filesystem::path& folder, bool force, std::ostream& out);
 
 // Where a terminal's database lives when it is on a server.

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -90,22 +91,59 @@ void WriteSetting(std::string_view section, std::string_view key, const std::str
 
 namespace {
 
+// The text a key already has in Vek.ini (where sessions read it, else where
+// they write it); nothing when the file lacks it.
+std::optional<std::string> ExistingSetting(const fs::path& file, const SettingDef& setting) {
+  constexpr std::string_view kMissing = "\x01";  // no setting's text
+  for (std::string_view section : {setting.read_section, setting.write_section}) {
+    std::string text = GetPrivateProfileString(section, setting.key, kMissing, file);
+    if (text != kMissing) return text;
+  }
+  return std::nullopt;
+}
+
+// The keys that say which database the terminal uses.
+bool NamesTheDatabase(const SettingDef& setting) {
+  for (std::string_view property : {"Cd_DB", "Ds_CaminhoDB", "Nm_ServidorDB"}) {
+    if (EqualsIgnoreCase(setting.property, property)) return true;
+  }
+  return false;
+}
+
 // Writes Vek.ini into the folder: every key, the one read from another
-// section under both, so that a session loads from the file as it is.
+// section under both, so that a session loads from the file as it is. A key
+// the file already holds keeps its text (a repair never changes a setting,
+// nor which database the terminal uses), except the database keys that a
+// PostgreSQL init names itself.
 std::shared_ptr<cgpSistema> WriteSettings(const fs::path& folder, const ServerDatabase* postgres,
                                           std::ostream& out) {
   const fs::path settings_file = folder / kSettingsFile;
   auto session = std::make_shared<cgpSistema>();
   for (const SettingValue& value : InstallationSettings(folder, postgres)) {
     const SettingDef& setting = *value.setting;
-    WriteSetting(setting.write_section, setting.key, value.text, settings_file);
-    if (!EqualsIgnoreCase(setting.read_section, setting.write_section)) {
-      WriteSetting(setting.read_section, setting.key, value.text, settings_file);
+    std::string text = value.text;
+    if (!(postgres && NamesTheDatabase(setting))) {
+      if (std::optional<std::string> kept = ExistingSetting(settings_file, setting)) text = std::move(*kept);
     }
-    session->Let(setting.property, Variant(value.text));
+    WriteSetting(setting.write_section, setting.key, text, settings_file);
+    if (!EqualsIgnoreCase(setting.read_section, setting.write_section)) {
+      WriteSetting(setting.read_section, setting.key, text, settings_file);
+    }
+    session->Let(setting.property, Variant(text));
   }
   out << "settings  " << settings_file.string() << "\n";
   return session;
+}
+
+bool OnServer(const cgpSistema& session) { return CLng(session.Get("Cd_DB")) == BancoDadosPostgreSQL; }
+
+// Gives the server's database what it misses, keeping what is there.
+void CompleteServerDatabase(cgpSistema& session, std::ostream& out) {
+  auto connection = session.AbrirConexao();
+  schema::CreateDatabase(*connection);
+  connection->Close();
+  out << "database  " << CStr(session.Get("Ds_CaminhoDB")) << " on " << CStr(session.Get("Nm_ServidorDB"))
+      << " (tables, functions and fixed rows; what was there is kept)\n";
 }
 
 fs::path MakeFolder(const fs::path& folder_argument, std::ostream& out) {
@@ -135,6 +173,12 @@ void InitTerminalFolder(const fs::path& folder_argument, bool force, std::ostrea
   }
   const fs::path folder = MakeFolder(folder_argument, out);
   auto session = WriteSettings(folder, nullptr, out);
+  if (OnServer(*session)) {
+    // A terminal on the server stays there.
+    CompleteServerDatabase(*session, out);
+    MakeTemplatesFolder(folder, out);
+    return;
+  }
 
   const bool database_existed = fs::exists(folder / kDatabaseFile);
   const bool access_control_existed = fs::exists(folder / kAccessControlFile);
@@ -157,11 +201,7 @@ void InitTerminalFolder(const fs::path& folder_argument, const ServerDatabase& p
   }
   const fs::path folder = MakeFolder(folder_argument, out);
   auto session = WriteSettings(folder, &postgres, out);
-  auto connection = session->AbrirConexao();
-  schema::CreateDatabase(*connection);
-  connection->Close();
-  out << "database  " << postgres.database << " on " << postgres.server
-      << " (tables, functions and fixed rows; what was there is kept)\n";
+  CompleteServerDatabase(*session, out);
   MakeTemplatesFolder(folder, out);
 }
 
@@ -172,8 +212,8 @@ void AddInitCommand(CLI::App& app) {
   command->add_option("folder", options->folder, "The folder (made when missing)")
       ->capture_default_str();
   command->add_flag("-f,--force", options->force,
-                    "Go on when Vek.db is there: keep its data, add what is missing and "
-                    "write Vek.ini anew");
+                    "Go on when Vek.db is there: keep its data and every setting of Vek.ini, "
+                    "and add what is missing");
   command->add_option("-k,--kind", options->kind, "Where the database lives")
       ->check(CLI::IsMember({"sqlite", "postgresql"}))
       ->capture_default_str();

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -101,7 +103,7 @@ TEST_F(InitCommandTest, AnExistingDatabaseIsRefusedUnlessForcedAndForcingKeepsIt
   cli::InitTerminalFolder(folder, true, forced);
   EXPECT_NE(forced.str().find("Vek.db (kept its data"), std::string::npos) << forced.str();
   EXPECT_NE(forced.str().find("Modelos (already there)"), std::string::npos) << forced.str();
-  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_FormatoData", "", folder / "Vek.ini"), "yyyy-mm-dd");
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_FormatoData", "", folder / "Vek.ini"), "dd/mm/yyyy");
   cgpSistema session;
   session.Let("Ds_CaminhoDB", Variant((folder / "Vek.db").string()));
   auto connection = session.AbrirConexao();
@@ -131,6 +133,29 @@ TEST_F(InitCommandTest, TheCommandLineTakesTheFolderAndTheForceFlag) {
   EXPECT_TRUE(fs::is_regular_file(folder / "Vek.db"));
   EXPECT_EQ(ErrorOf([&] { parse({"init", folder.string()}); }).Number(), kBusinessError);
   EXPECT_NE(parse({"init", "--force", folder.string()}).find("kept its data"), std::string::npos);
+}
+
+TEST_F(InitCommandTest, ARepairKeepsEverySettingTheFileHoldsAndAddsTheMissingOnes) {
+  const fs::path folder = scratch_ / "terminal";
+  std::ostringstream out;
+  cli::InitTerminalFolder(folder, false, out);
+  const fs::path ini = folder / "Vek.ini";
+  // The terminal's own choices, a key lost, and a note of the administrator's.
+  ASSERT_TRUE(WritePrivateProfileString("Persistencia", "Ds_FormatoData", "dd/mm/yyyy", ini));
+  ASSERT_TRUE(WritePrivateProfileString("Persistencia", "Cursor", "3", ini));
+  ASSERT_TRUE(WritePrivateProfileString("Persistencia", "LockType", std::nullopt, ini));
+  {
+    std::ofstream note(ini, std::ios::app);
+    note << "; caixa 2, terminal norte\n";
+  }
+  cli::InitTerminalFolder(folder, true, out);
+
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_FormatoData", "", ini), "dd/mm/yyyy");
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Cursor", "", ini), "3");
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "LockType", "", ini), "3");  // the missing key is back
+  std::ifstream text(ini);
+  const std::string whole((std::istreambuf_iterator<char>(text)), std::istreambuf_iterator<char>());
+  EXPECT_NE(whole.find("; caixa 2, terminal norte"), std::string::npos);
 }
 
 #ifdef VEK_TEST_HAS_LIBPQ
@@ -163,6 +188,17 @@ TEST(PostgresInit, WritesTheServerIntoVekIniAndCreatesTheSchemaThere) {
   EXPECT_EQ(FirstValue(*connection, "SELECT Nm_UF FROM TbUF WHERE Sg_UF = 'go'"), "Goiás");
   EXPECT_EQ(ErrorOf([&] { cli::InitTerminalFolder(app.Path() / "x", cli::ServerDatabase{}, again); }).Number(),
             kBusinessError);
+
+  // A repair of the folder (vek init --force) keeps the terminal on its server.
+  std::ostringstream repaired;
+  cli::InitTerminalFolder(app.Path() / "terminal", true, repaired);
+  EXPECT_NE(repaired.str().find(server.Name() + " on " + postgres.server), std::string::npos) << repaired.str();
+  EXPECT_FALSE(fs::exists(folder / "Vek.db"));
+  std::shared_ptr<cgpSistema> reloaded = cgdSistema().Consultar();
+  EXPECT_EQ(CLng(reloaded->Get("Cd_DB")), 41);
+  EXPECT_EQ(CStr(reloaded->Get("Nm_ServidorDB")), postgres.server);
+  EXPECT_EQ(CStr(reloaded->Get("Ds_CaminhoDB")), server.Name());
+  EXPECT_EQ(FirstValue(*connection, "SELECT Nm_UF FROM TbUF WHERE Sg_UF = 'GO'"), "Goiás");
 }
 #endif
 
