@@ -1,3 +1,4 @@
+#include "support/TerminalDatabase.h"
 #include "cli/Commands.h"
 #include "vek/vek.h"
 
@@ -162,7 +163,7 @@ TEST_F(InitCommandTest, ARepairKeepsEverySettingTheFileHoldsAndAddsTheMissingOne
 // A terminal whose database is on a PostgreSQL server.
 TEST(PostgresInit, WritesTheServerIntoVekIniAndCreatesTheSchemaThere) {
   dialect::testing::PgTestDb server;
-  if (!server.Open() || std::getenv("VEK_PG_PORT") == nullptr) GTEST_SKIP() << "no PostgreSQL server";
+  if (!server.Open() || std::getenv("VEK_PG_PORT") == nullptr) VEK_SKIP_WITHOUT_SERVER("no PostgreSQL server");
   testing::ScratchApp app;
   const cli::ServerDatabase postgres{"postgres@127.0.0.1:" + std::string(std::getenv("VEK_PG_PORT")),
                                      server.Name()};

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 
+#include "support/TerminalDatabase.h"
 #include "db/dialect/PgTestDb.h"
 #include "support/TestSupport.h"
 #include "vek/foundation/Sequences.h"
@@ -32,7 +33,7 @@ std::shared_ptr<cgpSistema> ServerSession(const std::string& database) {
 
 TEST(PostgresProtocol, ANeighbourhoodIsSavedLoadedChangedAndDeletedWithTheSameStatements) {
   dialect::testing::PgTestDb server;
-  if (!server.Open() || std::getenv("VEK_PG_PORT") == nullptr) GTEST_SKIP() << "no PostgreSQL server";
+  if (!server.Open() || std::getenv("VEK_PG_PORT") == nullptr) VEK_SKIP_WITHOUT_SERVER("no PostgreSQL server");
   auto session = ServerSession(server.Name());
   schema::CreateDatabase(*session->Ob_Conexao());
   schema::CreateDatabase(*session->Ob_Conexao());  // safe twice

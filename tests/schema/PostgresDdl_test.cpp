@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "db/dialect/PgTestDb.h"
+#include "support/TerminalDatabase.h"
 #include "vek/schema/Catalogue.h"
 
 namespace vek::schema {
@@ -63,7 +64,7 @@ using dialect::testing::PgTestDb;
 class PostgresDdlOnServer : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!db_.Open()) GTEST_SKIP() << "VEK_PG_CONNECTION is not set";
+    if (!db_.Open()) VEK_SKIP_WITHOUT_SERVER("VEK_PG_CONNECTION is not set");
     for (const std::string& statement : PostgresDdl()) db_.Exec(statement);
   }
 
@@ -167,7 +168,7 @@ TEST_F(PostgresDdlOnServer, BitsStoreOneForAnyTrueAndTinyintsStayInTheirRange) {
 
 #else
 
-TEST(PostgresDdlOnServer, NeedsLibpq) { GTEST_SKIP() << "libpq-dev is not installed"; }
+TEST(PostgresDdlOnServer, NeedsLibpq) { VEK_SKIP_WITHOUT_SERVER("libpq-dev is not installed"); }
 
 #endif  // VEK_TEST_HAS_LIBPQ
 

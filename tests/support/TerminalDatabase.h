@@ -38,6 +38,18 @@ inline std::string NameInMessage(std::string_view name) {
   return OnPostgres() ? LCase(name) : std::string(name);
 }
 
+// For a test that needs the server: where the tests were asked to run on
+// PostgreSQL, a server that can't be reached fails it (a run never passes by
+// leaving the engine out); elsewhere the test is skipped.
+#define VEK_SKIP_WITHOUT_SERVER(message)              \
+  do {                                                 \
+    if (::vek::testing::OnPostgres()) {                \
+      GTEST_FAIL() << (message);                       \
+    } else {                                           \
+      GTEST_SKIP() << (message);                       \
+    }                                                  \
+  } while (0)
+
 struct TerminalDatabase {
   TerminalDatabase() : session(std::make_shared<cgpSistema>()),
                        clock(std::make_shared<FixedClock>(DateSerial(2026, 11, 21) + TimeSerial(10, 30, 0))) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "db/dialect/PgTestDb.h"
+#include "support/TerminalDatabase.h"
 #include "support/TestSupport.h"
 #include "vek/schema/Catalogue.h"
 #include "vek/schema/PostgresDdl.h"
@@ -48,7 +49,7 @@ using testing::PgTestDb;
 class PostgresTranslator : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!db_.Open()) GTEST_SKIP() << "VEK_PG_CONNECTION is not set";
+    if (!db_.Open()) VEK_SKIP_WITHOUT_SERVER("VEK_PG_CONNECTION is not set");
   }
 
   // The catalogue's tables, created as the terminal's database has them.
@@ -422,7 +423,7 @@ TEST_F(PostgresTranslator, TillTakingsUnionOrderedByTariff) {
 
 #else
 
-TEST(PostgresTranslator, NeedsLibpq) { GTEST_SKIP() << "libpq-dev is not installed"; }
+TEST(PostgresTranslator, NeedsLibpq) { VEK_SKIP_WITHOUT_SERVER("libpq-dev is not installed"); }
 
 #endif  // VEK_TEST_HAS_LIBPQ
 

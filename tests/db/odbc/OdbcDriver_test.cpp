@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "support/TerminalDatabase.h"
 #include "support/TestSupport.h"
 #include "vek/db/Command.h"
 #include "vek/db/Connection.h"
@@ -27,7 +28,7 @@ class OdbcDriverTest : public ::testing::Test {
  protected:
   void SetUp() override {
     const char* text = std::getenv("VEK_PG_CONNECTION");
-    if (text == nullptr || *text == '\0') GTEST_SKIP() << "VEK_PG_CONNECTION is not set";
+    if (text == nullptr || *text == '\0') VEK_SKIP_WITHOUT_SERVER("VEK_PG_CONNECTION is not set");
     connection_string_ = text;
     driver_ = OpenDriver(connection_string_, [] { return Date(); });
   }
