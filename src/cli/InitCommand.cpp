@@ -131,6 +131,8 @@ std::shared_ptr<cgpSistema> WriteSettings(const fs::path& folder, const ServerDa
     }
     session->Let(setting.property, Variant(text));
   }
+  // It holds the database password.
+  RestrictToOwner(settings_file);
   out << "settings  " << settings_file.string() << "\n";
   return session;
 }

@@ -64,6 +64,8 @@ Variant cgdSistema::Salvar() {
         GravarRegistro(setting.write_section, setting.key, text);
       }
     }
+    // The file holds the database password, scrambled but not secret.
+    RestrictToOwner(SettingsFile());
     return Variant();
   });
 }

@@ -361,4 +361,10 @@ bool WritePrivateProfileString(std::string_view section, std::optional<std::stri
   }
 }
 
+bool RestrictToOwner(const fs::path& file) {
+  std::error_code error;
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::replace, error);
+  return !error;
+}
+
 }  // namespace vek

@@ -59,4 +59,9 @@ bool WritePrivateProfileString(std::string_view section, std::optional<std::stri
                                std::optional<std::string_view> value,
                                const std::filesystem::path& file);
 
+// Makes `file` readable and writable by its owner only (0600), as a file that
+// holds a password must be; the mode survives later writes. Returns false
+// when the file can't be changed.
+bool RestrictToOwner(const std::filesystem::path& file);
+
 }  // namespace vek

@@ -47,6 +47,8 @@ TEST_F(InitCommandTest, MakesAFolderWhoseSettingsLoadAndWhoseDatabasesHaveTheirR
                            "folder    " + (folder / "Modelos").string() + "\n");
   EXPECT_TRUE(fs::is_directory(folder / "Modelos"));
   EXPECT_TRUE(fs::is_regular_file(folder / "MDESTACIONAMENTO.db"));
+  // Vek.ini holds the database password: its owner alone reads it.
+  EXPECT_EQ(fs::status(folder / "Vek.ini").permissions(), fs::perms::owner_read | fs::perms::owner_write);
 
   // The settings load whole: every numeric and boolean key has a value, the
   // turnstile key in the section it is read from too.

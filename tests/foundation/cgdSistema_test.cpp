@@ -90,6 +90,12 @@ TEST_F(cgdSistemaTest, SalvarWritesTheTableAndConsultarReadsItBackButForTheTurns
   EXPECT_EQ(GetPrivateProfileString("ImpressoraRelatório", "Nm_ImpressoraRelatório", "", Ini()),
             "C:\\Vek\\Ação 10");
   EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_SenhaDB", "", Ini()), Cripto("s3nh@ é"));
+  // It holds the password: its owner alone reads it, and a later write keeps that.
+  EXPECT_EQ(std::filesystem::status(Ini()).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  ASSERT_TRUE(WritePrivateProfileString("Persistencia", "Cursor", "100001", Ini()));
+  EXPECT_EQ(std::filesystem::status(Ini()).permissions() & std::filesystem::perms::others_read,
+            std::filesystem::perms::none);
   EXPECT_EQ(GetPrivateProfileString("Sanitario", kTurnstileKey, "", Ini()), "100031");
   EXPECT_FALSE(FindProfileValue("VisualizadorViagens", kTurnstileKey, Ini()));
   // The clock flag lives in the user's store only.
