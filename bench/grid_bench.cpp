@@ -22,6 +22,7 @@
 
 #include "vek/db/Connection.h"
 #include "vek/db/dialect/SqliteFunctions.h"
+#include "ScratchTerminal.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Controls.h"
@@ -36,28 +37,10 @@ constexpr int kPeople = 100000;
 // second one a natural person with a CPF, every fourth (of the others) a
 // legal person with a CNPJ, the rest neither. Names carry accents and repeat
 // across people, so the grid's order needs the code as well.
-class PeopleDatabase {
+class PeopleDatabase : public vek::bench::ScratchTerminal {
  public:
-  PeopleDatabase() {
-    std::random_device random;
-    folder_ = std::filesystem::temp_directory_path() / ("vek-grid-bench-" + std::to_string(random()));
-    std::filesystem::create_directories(folder_);
-    file_ = (folder_ / "Vek.db").string();
-    {
-      auto connection = std::make_shared<vek::Connection>();
-      connection->Open(file_);
-      vek::schema::CreateDatabase(*connection);
-    }
-    Fill();
-  }
-  ~PeopleDatabase() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  PeopleDatabase(const PeopleDatabase&) = delete;
-  PeopleDatabase& operator=(const PeopleDatabase&) = delete;
+  PeopleDatabase() { Fill(); }
 
-  const std::string& File() const { return file_; }
 
   // Made once per process, on first use.
   static const PeopleDatabase& Shared() {
@@ -73,7 +56,7 @@ class PeopleDatabase {
     static constexpr std::array<const char*, 10> kLast = {"Gonçalves", "Araújo", "Simões",   "Magalhães", "Conceição",
                                                           "Brandão",   "Lima",   "Nogueira", "Falcão",    "Estevão"};
     sqlite3* db = nullptr;
-    sqlite3_open(file_.c_str(), &db);
+    sqlite3_open(File().c_str(), &db);
     vek::dialect::RegisterSqlServerFunctions(db, [] { return vek::DateSerial(2026, 11, 21); });
     sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
     sqlite3_stmt* person = Prepare(db, "INSERT INTO TbPessoa (Cd_Pessoa, Nm_Pessoa, No_TipoPessoa) VALUES (?, ?, ?)");
@@ -129,9 +112,6 @@ class PeopleDatabase {
     if (sqlite3_step(statement) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(db));
     sqlite3_reset(statement);
   }
-
-  std::filesystem::path folder_;
-  std::string file_;
 };
 
 std::shared_ptr<vek::cgpSistema> OpenSession(const std::string& file) {

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "ProtocolLoop.h"
+#include "ScratchTerminal.h"
 #include "vek/db/Connection.h"
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/foundation/cgpSistema.h"
@@ -27,32 +28,17 @@ namespace {
 using vek::bench::kRows;
 
 // A terminal database in a file of its own, filled with neighbourhoods.
-class BenchDatabase {
+class BenchDatabase : public vek::bench::ScratchTerminal {
  public:
-  BenchDatabase() {
-    std::random_device random;
-    folder_ = std::filesystem::temp_directory_path() / ("vek-bench-" + std::to_string(random()));
-    std::filesystem::create_directories(folder_);
-    file_ = (folder_ / "Vek.db").string();
-    auto connection = std::make_shared<vek::Connection>();
-    connection->Open(file_);
-    vek::schema::CreateDatabase(*connection);
-    connection->Execute("INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (1, 'Goiás', 'GO')");
-    connection->Execute("INSERT INTO TbCidade (Cd_Cidade, Nm_Cidade, Cd_UF) VALUES (1, 'Goiânia', 1)");
-    for (int i = 1; i <= kRows; ++i) {
-      connection->Execute("INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro, Cd_Cidade) VALUES (" + std::to_string(i) +
-                          ", 'Bairro " + std::to_string(i) + "', 1)");
-    }
-  }
-  ~BenchDatabase() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  const std::string& File() const { return file_; }
-
- private:
-  std::filesystem::path folder_;
-  std::string file_;
+  BenchDatabase()
+      : ScratchTerminal([](vek::Connection& connection) {
+          connection.Execute("INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (1, 'Goiás', 'GO')");
+          connection.Execute("INSERT INTO TbCidade (Cd_Cidade, Nm_Cidade, Cd_UF) VALUES (1, 'Goiânia', 1)");
+          for (int i = 1; i <= kRows; ++i) {
+            connection.Execute("INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro, Cd_Cidade) VALUES (" +
+                               std::to_string(i) + ", 'Bairro " + std::to_string(i) + "', 1)");
+          }
+        }) {}
 };
 
 std::shared_ptr<vek::cgpSistema> OpenSession(const std::string& file) {
