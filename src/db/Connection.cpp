@@ -30,13 +30,13 @@ void RefuseMoreThanOneStatement(const std::string& text) {
   }
 }
 
-std::string TranslateFor(Dialect dialect, std::string_view text) {
+dialect::Translation TranslateFor(Dialect dialect, std::string_view text, const dialect::ColumnKinds* kinds) {
   switch (dialect) {
-    case Dialect::SQLite: return dialect::TranslateToSqlite(text);
-    case Dialect::PostgreSQL: return dialect::TranslateToPostgres(text);
+    case Dialect::SQLite: return dialect::TranslateToSqlite(text, kinds);
+    case Dialect::PostgreSQL: return dialect::TranslateToPostgres(text, kinds);
     case Dialect::SqlServer: break;
   }
-  return std::string(text);  // SQL Server text passes as it is
+  return {std::string(text), {}};  // SQL Server text passes as it is, typed by the server
 }
 
 }  // namespace
@@ -136,11 +136,11 @@ Driver& Connection::OpenDriverOrRaise(const char* object) {
   return *driver_;
 }
 
-const std::string& Connection::Translate(const std::string& text) {
+const dialect::Translation& Connection::Translate(const std::string& text) {
   if (auto hit = translations_.find(text); hit != translations_.end()) return hit->second;
   // Only text that passed the guard is cached, so a cached text skips it.
   RefuseMoreThanOneStatement(text);
-  std::string translated = TranslateFor(driver_->SqlDialect(), text);
+  dialect::Translation translated = TranslateFor(driver_->SqlDialect(), text, driver_->DeclaredKinds());
   if (translations_.size() >= kMaxCachedTranslations) translations_.clear();
   return translations_.emplace(text, std::move(translated)).first->second;
 }
@@ -150,9 +150,14 @@ const Connection::ShapeEntry& Connection::Shape(const std::string& text, const S
   // A shape is checked once: what holds for one text of it holds for all.
   RefuseMoreThanOneStatement(text);
   const Dialect dialect = driver_->SqlDialect();
+  const dialect::ColumnKinds* kinds = driver_->DeclaredKinds();
   ShapeEntry entry;
-  if (auto translated = TranslateShape(text, dialect,
-                                       [dialect](std::string_view probe) { return TranslateFor(dialect, probe); })) {
+  const auto translate = [&](std::string_view probe) {
+    dialect::Translation translation = TranslateFor(dialect, probe, kinds);
+    entry.types = std::move(translation.types);
+    return std::move(translation.text);
+  };
+  if (auto translated = TranslateShape(text, dialect, translate)) {
     entry.usable = true;
     entry.text = std::move(translated->text);
     entry.order = std::move(translated->order);
@@ -172,11 +177,11 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
   // SQL Server's own text is not shaped: bound, its literals would change type.
   if (translate && parameters.empty() && dialect != Dialect::SqlServer) {
     const auto run_shaped = [&driver](const ShapeEntry& entry, std::vector<Variant>& found) {
-      if (entry.in_order) return driver.Run(entry.text, found);
+      if (entry.in_order) return driver.RunTyped(entry.text, found, &entry.types);
       std::vector<Variant> literals;
       literals.reserve(entry.order.size());
       for (size_t index : entry.order) literals.push_back(std::move(found[index]));
-      return driver.Run(entry.text, literals);
+      return driver.RunTyped(entry.text, literals, &entry.types);
     };
     for (size_t i = 0; i < templates_.size(); ++i) {
       if (std::optional<std::vector<Variant>> found = MatchShape(text, templates_[i].shape_template)) {
@@ -194,7 +199,10 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
       }
     }
   }
-  if (translate) return driver.Run(Translate(text), parameters);
+  if (translate) {
+    const dialect::Translation& translation = Translate(text);
+    return driver.RunTyped(translation.text, parameters, &translation.types);
+  }
   RefuseMoreThanOneStatement(text);
   return driver.Run(text, parameters);
 }
@@ -216,7 +224,11 @@ void Connection::TellServerTheTime(Driver& driver) {
 }
 
 int32_t Connection::ExecuteNative(const std::string& text) {
-  return static_cast<int32_t>(RunStatement(text, {}, false).records_affected);
+  const int64_t affected = RunStatement(text, {}, false).records_affected;
+  // The schema's DDL runs here: what was translated before it knew other columns.
+  translations_.clear();
+  ForgetShapes();
+  return static_cast<int32_t>(affected);
 }
 
 std::optional<int64_t> Connection::InsertRow(const RowWrite& row) {

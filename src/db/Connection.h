@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "vek/db/Driver.h"
+#include "vek/db/dialect/ColumnKinds.h"
 #include "vek/db/Enums.h"
 
 namespace vek {
@@ -90,7 +91,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
  private:
   void NotifyStatement(const std::string& text);
   Driver& OpenDriverOrRaise(const char* object);
-  const std::string& Translate(const std::string& text);
+  const dialect::Translation& Translate(const std::string& text);
   void TellServerTheTime(Driver& driver);
   struct ShapeEntry;
   const ShapeEntry& Shape(const std::string& text, const StatementShape& shape);
@@ -104,10 +105,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::shared_ptr<Clock> clock_;
   std::unordered_map<std::string, Procedure> procedures_;  // by folded name
   // Translations by text, and by shape (text without its literals).
-  std::unordered_map<std::string, std::string> translations_;
+  std::unordered_map<std::string, dialect::Translation> translations_;
   struct ShapeEntry {
     bool usable = false;  // false: texts of this shape are translated one by one
     std::string text;
+    dialect::ResultTypes types;
     std::vector<size_t> order;
     bool in_order = false;  // order is 0, 1, 2 ...: the literals go as found
   };

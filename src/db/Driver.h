@@ -20,6 +20,10 @@ namespace vek {
 
 class Clock;
 class Parameters;
+namespace dialect {
+class ColumnKinds;
+struct ResultTypes;
+}  // namespace dialect
 
 // What a driver knows of one column of a result.
 struct ColumnInfo {
@@ -74,7 +78,16 @@ class Driver {
   virtual Dialect SqlDialect() const = 0;
   // Runs one statement already in the driver's dialect, with positional
   // parameters. Raises VekError with the database's message.
-  virtual QueryResult Run(const std::string& text, std::span<const Variant> parameters) = 0;
+  QueryResult Run(const std::string& text, std::span<const Variant> parameters) {
+    return RunTyped(text, parameters, nullptr);
+  }
+  // The same, with the types the translation gives the result's columns:
+  // a column the database can't type itself (an expression) takes its type.
+  virtual QueryResult RunTyped(const std::string& text, std::span<const Variant> parameters,
+                               const dialect::ResultTypes* types) = 0;
+  // The declared kinds of the database's columns, which the translation
+  // types names by; nullptr when the driver doesn't read them.
+  virtual const dialect::ColumnKinds* DeclaredKinds() { return nullptr; }
   // Inserts; returns the identity value when identity_column is set.
   virtual std::optional<int64_t> Insert(const RowWrite& row) = 0;
   // Updates the row with the given key; returns the rows affected.

@@ -35,6 +35,11 @@ std::string DateProbeValue(size_t index) {
   return text;
 }
 
+std::string DayFirstDateProbe(size_t index) {
+  const std::string value = DateProbeValue(index);  // 1801-01-01 hh:mm:ss
+  return "01/01/1801" + value.substr(10);
+}
+
 // The value of a number literal, when it is a plain one a parameter can carry.
 std::optional<Variant> NumberValue(std::string_view text) {
   if (text.find_first_not_of("0123456789") == std::string_view::npos) {
@@ -158,7 +163,10 @@ std::optional<StatementShape> Walk(std::string_view text, Dialect dialect, std::
           switch (kind) {
             case 'i': probe_text->append(IntegerProbe(index)); break;
             case 'r': probe_text->append(RealProbe(index)); break;
-            case 'd': probe_text->append("'" + DateProbeValue(index) + "'"); break;
+            // Written day first, so that the probe comes out as DateProbeValue
+            // only where the translation reads it as a date: a date literal it
+            // leaves as text can't be bound as a date.
+            case 'd': probe_text->append("'" + DayFirstDateProbe(index) + "'"); break;
             default: probe_text->append("'" + TextProbe(index) + "'");
           }
         }

@@ -48,7 +48,7 @@ std::string Quoted(std::string_view value) {
 
 class PostgresTranslator final : public TranslatorBase {
  public:
-  explicit PostgresTranslator(std::string_view sql) : TranslatorBase(sql, kPostgresForms) {}
+  PostgresTranslator(std::string_view sql, const ColumnKinds* kinds) : TranslatorBase(sql, kPostgresForms, kinds) {}
 
  private:
   std::span<const RenamedFunction> RenamedFunctions() const override {
@@ -106,6 +106,23 @@ class PostgresTranslator final : public TranslatorBase {
     EmitTrivia(name);
     switch (type.kind) {
       case TargetType::Kind::Text:
+        if (TypeOfRange(value.first, value.second) == ValueType::Money) {
+          if (style && *style != 0 && *style != 1 && *style != 2) {
+            RaiseDialectError("CONVERT style " + std::to_string(*style) + " for money is not supported on PostgreSQL");
+          }
+          const std::string money = Capture([&] { EmitArg(value); });
+          const int64_t money_style = style.value_or(0);
+          out_.append("vek_text(");
+          if (money_style == 2) {
+            out_.append("CAST(CAST(" + money + " AS numeric(19,4)) AS text)");
+          } else if (money_style == 1) {
+            out_.append("to_char(round(CAST(" + money + " AS numeric), 2), 'FM999,999,999,999,990.00')");
+          } else {
+            out_.append("CAST(round(CAST(" + money + " AS numeric), 2) AS text)");
+          }
+          out_.append(", " + std::to_string(type.length) + ", -1, " + (type.pad ? "true" : "false") + ")");
+          return;
+        }
         if (style && !IsSupportedDateStyle(*style) && *style != 2) {
           RaiseDialectError("CONVERT style " + std::to_string(*style) +
                             " is not supported on PostgreSQL");
@@ -133,6 +150,11 @@ class PostgresTranslator final : public TranslatorBase {
         EmitArg(value);
         out_.append(" AS numeric)) AS integer)");
         return;
+      case TargetType::Kind::Money:
+        out_.append("CAST(");
+        EmitArg(value);
+        out_.append(" AS numeric(19,4))");
+        return;
       case TargetType::Kind::Decimal:
         out_.append("CAST(");
         EmitArg(value);
@@ -149,6 +171,26 @@ class PostgresTranslator final : public TranslatorBase {
 
   std::string DatePlusDays(const std::string& date, const std::string& days) override {
     return "(" + date + " + (" + days + ") * interval '1 day')";
+  }
+
+  std::string MoneyOf(const std::string& value) override { return "CAST(" + value + " AS numeric(19,4))"; }
+
+  std::string NumberFromText(const std::string& text, ValueType kind) override {
+    const char* type = kind == ValueType::Integer ? "integer"
+                       : kind == ValueType::Money ? "numeric(19,4)"
+                       : kind == ValueType::Float ? "double precision"
+                                                  : "numeric";
+    return "CAST(" + text + " AS " + type + ")";
+  }
+
+  std::string MoneySum(const std::string& args) override { return "CAST(SUM(" + args + ") AS numeric(19,4))"; }
+
+  std::string IntegerAverage(const std::string& args) override {
+    return "CAST(trunc(AVG(" + args + ")) AS integer)";
+  }
+
+  std::string ComparedText(const std::string& literal) override {
+    return "rtrim(" + literal + ") COLLATE vek_ci";
   }
 
   void EmitAliasedDelete(const DeleteForm& form, size_t e) override {
@@ -249,9 +291,15 @@ class PostgresTranslator final : public TranslatorBase {
 
 }  // namespace
 
-std::string TranslateToPostgres(std::string_view tsql) {
+std::string TranslateToPostgres(std::string_view tsql) { return TranslateToPostgres(tsql, nullptr).text; }
+
+Translation TranslateToPostgres(std::string_view tsql, const ColumnKinds* kinds) {
   try {
-    return PostgresTranslator(tsql).Run();
+    PostgresTranslator translator(tsql, kinds);
+    Translation translation;
+    translation.text = translator.Run();
+    translation.types = translator.Types();
+    return translation;
   } catch (const VekError& error) {
     // The shared pieces name the SQLite translation as their source.
     throw VekError(error.Number(), "PostgresTranslator", error.Description());

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "vek/db/dialect/ColumnKinds.h"
+
 namespace vek::dialect {
 
 // The session setting that vek_getdate() reads as the server's "now"
@@ -56,5 +58,6 @@ inline constexpr const char* kPostgresNowSetting = "vek.now";
 // construct for what has no faithful form: the list of TranslateToSqlite,
 // and @@ROWCOUNT.
 std::string TranslateToPostgres(std::string_view tsql);
+Translation TranslateToPostgres(std::string_view tsql, const ColumnKinds* kinds);
 
 }  // namespace vek::dialect

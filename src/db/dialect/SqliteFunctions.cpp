@@ -662,6 +662,103 @@ void Round(sqlite3_context* context, int argc, sqlite3_value** argv) {
   sqlite3_result_double(context, RoundDecimal(sqlite3_value_double(argv[0]), digits, truncate));
 }
 
+// ---- money -------------------------------------------------------------------------
+
+// SQL Server's money is a 64-bit count of ten-thousandths. Here a money value
+// is the double nearest its count: every money result is made again from its
+// count, so sums, differences and products of money compare exactly.
+constexpr double kMoneyLimit = 922337203685477.5807;
+
+[[noreturn]] void FailMoneyOverflow() {
+  throw SqlFailure{"Arithmetic overflow error converting expression to data type money."};
+}
+
+int64_t MoneyCount(double value) {
+  if (!(value >= -kMoneyLimit - 0.00005 && value <= kMoneyLimit + 0.00005)) FailMoneyOverflow();
+  return std::llround(value * 10000.0);
+}
+
+double MoneyValueOf(sqlite3_value* value) {
+  switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER: return static_cast<double>(sqlite3_value_int64(value));
+    case SQLITE_FLOAT: return sqlite3_value_double(value);
+    default: {
+      const std::string_view text = TextOf(value);
+      const auto number = ParseNumber(text);
+      if (!number) throw SqlFailure{"Cannot convert a char value to money. The char value has incorrect syntax."};
+      return number->integral ? static_cast<double>(number->integer) : number->real;
+    }
+  }
+}
+
+void Money(sqlite3_context* context, int, sqlite3_value** argv) {
+  if (IsNull(argv[0])) return sqlite3_result_null(context);
+  sqlite3_result_double(context, static_cast<double>(MoneyCount(MoneyValueOf(argv[0]))) / 10000.0);
+}
+
+// The sum of money counts, exact however many rows it adds.
+void MoneySumStep(sqlite3_context* context, int, sqlite3_value** argv) {
+  if (IsNull(argv[0])) return;
+  auto* total = static_cast<int64_t*>(sqlite3_aggregate_context(context, 2 * sizeof(int64_t)));
+  if (total == nullptr) return sqlite3_result_error_nomem(context);
+  if (__builtin_add_overflow(total[0], MoneyCount(MoneyValueOf(argv[0])), &total[0])) FailMoneyOverflow();
+  total[1] = 1;  // a row was added: the sum of no rows is NULL
+}
+
+void MoneySumFinal(sqlite3_context* context) {
+  auto* total = static_cast<int64_t*>(sqlite3_aggregate_context(context, 0));
+  if (total == nullptr || total[1] == 0) return sqlite3_result_null(context);
+  sqlite3_result_double(context, static_cast<double>(total[0]) / 10000.0);
+}
+
+// CONVERT(varchar, money[, style]): two decimals (style 0), with thousands
+// separated by commas (1), or four decimals (2).
+void MoneyText(sqlite3_context* context, int, sqlite3_value** argv) {
+  if (IsNull(argv[0])) return sqlite3_result_null(context);
+  const int64_t count = MoneyCount(MoneyValueOf(argv[0]));
+  const int64_t style = IsNull(argv[1]) ? 0 : sqlite3_value_int64(argv[1]);
+  const bool negative = count < 0;
+  uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(count) : static_cast<uint64_t>(count);
+  int decimals = 4;
+  if (style != 2) {
+    magnitude = (magnitude + 50) / 100;  // half away from zero
+    decimals = 2;
+  }
+  const uint64_t scale = decimals == 4 ? 10000 : 100;
+  std::string whole = std::to_string(magnitude / scale);
+  if (style == 1) {
+    for (int at = static_cast<int>(whole.size()) - 3; at > 0; at -= 3) whole.insert(static_cast<size_t>(at), ",");
+  }
+  std::string fraction = std::to_string(magnitude % scale);
+  fraction.insert(0, static_cast<size_t>(decimals) - fraction.size(), '0');
+  ResultText(context, (negative && magnitude != 0 ? "-" : "") + whole + "." + fraction);
+}
+
+// A text read as a number of a SQL Server kind ('int', 'money', 'decimal',
+// 'float'), as T-SQL converts a varchar that meets a number.
+void NumberFromText(sqlite3_context* context, int, sqlite3_value** argv) {
+  if (IsNull(argv[0])) return sqlite3_result_null(context);
+  const std::string_view kind = TextOf(argv[1]);
+  if (sqlite3_value_type(argv[0]) != SQLITE_TEXT) return sqlite3_result_value(context, argv[0]);
+  const std::string_view text = TextOf(argv[0]);
+  const auto number = ParseNumber(text);
+  if (kind == "int") {
+    if (!number || !number->integral || number->integer < INT32_MIN || number->integer > INT32_MAX)
+      FailConversion(text, "int");
+    return sqlite3_result_int64(context, number->integer);
+  }
+  if (kind == "money") {
+    if (!number) throw SqlFailure{"Cannot convert a char value to money. The char value has incorrect syntax."};
+    const double value = number->integral ? static_cast<double>(number->integer) : number->real;
+    return sqlite3_result_double(context, static_cast<double>(MoneyCount(value)) / 10000.0);
+  }
+  if (!number) {
+    throw SqlFailure{"Error converting data type varchar to " + std::string(kind == "float" ? "float" : "numeric") + "."};
+  }
+  if (number->integral) return sqlite3_result_int64(context, number->integer);
+  sqlite3_result_double(context, number->real);
+}
+
 // ---- text functions ------------------------------------------------------------
 
 void Substring(sqlite3_context* context, int, sqlite3_value** argv) {
@@ -814,6 +911,18 @@ void Like(sqlite3_context* context, int argc, sqlite3_value** argv) {
 // ---- registration ------------------------------------------------------------
 
 using Body = void (*)(sqlite3_context*, int, sqlite3_value**);
+using FinalBody = void (*)(sqlite3_context*);
+
+template <FinalBody body>
+void GuardedFinal(sqlite3_context* context) noexcept {
+  try {
+    body(context);
+  } catch (const SqlFailure& failure) {
+    sqlite3_result_error(context, failure.message.data(), static_cast<int>(failure.message.size()));
+  } catch (...) {
+    sqlite3_result_error(context, "unexpected failure in a SQL Server function", -1);
+  }
+}
 
 template <Body body>
 void Guarded(sqlite3_context* context, int argc, sqlite3_value** argv) noexcept {
@@ -903,6 +1012,9 @@ void RegisterSqlServerFunctions(sqlite3* db, std::function<vek::Date()> now) {
       {"vek_left", 2, &Guarded<Left>},
       {"vek_right", 2, &Guarded<Right>},
       {"vek_database_name", 2, &Guarded<DatabaseName>},
+      {"vek_money", 1, &Guarded<Money>},
+      {"vek_money_text", 2, &Guarded<MoneyText>},
+      {"vek_number", 2, &Guarded<NumberFromText>},
       {"like", 2, &Guarded<Like>},
       {"like", 3, &Guarded<Like>},
   };
@@ -911,6 +1023,8 @@ void RegisterSqlServerFunctions(sqlite3* db, std::function<vek::Date()> now) {
     Check(db, sqlite3_create_function_v2(db, entry.name, entry.args, pure, nullptr, entry.body,
                                          nullptr, nullptr, nullptr));
   }
+  Check(db, sqlite3_create_function_v2(db, "vek_money_sum", 1, pure, nullptr, nullptr,
+                                       &Guarded<MoneySumStep>, &GuardedFinal<MoneySumFinal>, nullptr));
   // The clock is owned by SQLite from here on and freed with the connection.
   auto clock = std::make_unique<std::function<vek::Date()>>(std::move(now));
   const int rc = sqlite3_create_function_v2(

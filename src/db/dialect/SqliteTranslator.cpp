@@ -21,7 +21,7 @@ constexpr std::string_view kSysDatabases =
 
 class SqliteTranslator final : public TranslatorBase {
  public:
-  explicit SqliteTranslator(std::string_view sql) : TranslatorBase(sql, kSqliteForms) {}
+  SqliteTranslator(std::string_view sql, const ColumnKinds* kinds) : TranslatorBase(sql, kSqliteForms, kinds) {}
 
  private:
   std::span<const RenamedFunction> RenamedFunctions() const override {
@@ -62,11 +62,23 @@ class SqliteTranslator final : public TranslatorBase {
     EmitTrivia(name);
     switch (type.kind) {
       case TargetType::Kind::Text: {
+        const ValueType source = TypeOfRange(value.first, value.second);
+        if (source == ValueType::Money) {
+          if (style && *style != 0 && *style != 1 && *style != 2) {
+            RaiseDialectError("CONVERT style " + std::to_string(*style) + " for money is not supported on " +
+                              Dialect());
+          }
+          out_.append("vek_text(vek_money_text(");
+          EmitArg(value);
+          out_.append(", " + std::to_string(style.value_or(0)) + "), " + std::to_string(type.length) +
+                      ", -1, 0, " + (type.pad ? "1" : "0") + ")");
+          return;
+        }
         if (style && !IsSupportedDateStyle(*style) && *style != 2) {
           RaiseDialectError("CONVERT style " + std::to_string(*style) +
                             " is not supported on " + Dialect());
         }
-        const bool is_date = TypeOfRange(value.first, value.second) == ValueType::Date;
+        const bool is_date = source == ValueType::Date;
         out_.append("vek_text(");
         EmitArg(value);
         out_.append(", " + std::to_string(type.length) + ", " + std::to_string(style.value_or(-1)) +
@@ -90,6 +102,11 @@ class SqliteTranslator final : public TranslatorBase {
         EmitArg(value);
         out_.append(" AS INTEGER)");
         return;
+      case TargetType::Kind::Money:
+        out_.append("vek_money(");
+        EmitArg(value);
+        out_.push_back(')');
+        return;
       case TargetType::Kind::Decimal:
         out_.append("vek_round(CAST(");
         EmitArg(value);
@@ -105,6 +122,26 @@ class SqliteTranslator final : public TranslatorBase {
 
   std::string DatePlusDays(const std::string& date, const std::string& days) override {
     return "vek_date_add(" + date + ", " + days + ")";
+  }
+
+  std::string MoneyOf(const std::string& value) override { return "vek_money(" + value + ")"; }
+
+  std::string NumberFromText(const std::string& text, ValueType kind) override {
+    const char* name = kind == ValueType::Integer ? "int"
+                       : kind == ValueType::Money ? "money"
+                       : kind == ValueType::Float ? "float"
+                                                  : "decimal";
+    return "vek_number(" + text + ", '" + name + "')";
+  }
+
+  std::string MoneySum(const std::string& args) override { return "vek_money_sum(" + args + ")"; }
+
+  std::string IntegerAverage(const std::string& args) override {
+    return "CAST(AVG(" + args + ") AS INTEGER)";
+  }
+
+  std::string ComparedText(const std::string& literal) override {
+    return literal + " COLLATE SQLSERVER_CI_AS";
   }
 
   // SQLite takes no alias in DELETE: a statement that uses one deletes through rowid.
@@ -148,7 +185,15 @@ class SqliteTranslator final : public TranslatorBase {
 
 }  // namespace
 
-std::string TranslateToSqlite(std::string_view tsql) { return SqliteTranslator(tsql).Run(); }
+std::string TranslateToSqlite(std::string_view tsql) { return SqliteTranslator(tsql, nullptr).Run(); }
+
+Translation TranslateToSqlite(std::string_view tsql, const ColumnKinds* kinds) {
+  SqliteTranslator translator(tsql, kinds);
+  Translation translation;
+  translation.text = translator.Run();
+  translation.types = translator.Types();
+  return translation;
+}
 
 bool IsSqliteDateLiteral(const Token& token) { return IsDateLiteral(token); }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "vek/db/dialect/ColumnKinds.h"
 #include "vek/db/dialect/Tokenizer.h"
 
 namespace vek::dialect {
@@ -62,6 +63,9 @@ namespace vek::dialect {
 // between texts; also for unbalanced parentheses, CASE without END and what
 // the tokenizer refuses.
 std::string TranslateToSqlite(std::string_view tsql);
+// The same, typing names by the database's declared column kinds (none:
+// by the schema's naming rule), with the types of the result's columns.
+Translation TranslateToSqlite(std::string_view tsql, const ColumnKinds* kinds);
 
 // Whether a String or NationalString token is a whole date ('dd/mm/yyyy[
 // hh:mm[:ss]]' day first, or 'yyyy-mm-dd[ hh:mm[:ss]]'), which translated

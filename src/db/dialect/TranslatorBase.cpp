@@ -197,11 +197,52 @@ ValueType TypeOfColumnName(std::string_view name) {
       StartsWithNoCase(name, "Sg_")) {
     return ValueType::Text;
   }
-  if (StartsWithNoCase(name, "Qt_") || StartsWithNoCase(name, "Vl_") ||
-      StartsWithNoCase(name, "No_") || StartsWithNoCase(name, "Ic_")) {
-    return ValueType::Number;
+  if (StartsWithNoCase(name, "Vl_")) return ValueType::Money;
+  if (StartsWithNoCase(name, "Qt_") || StartsWithNoCase(name, "Ic_")) return ValueType::Integer;
+  if (StartsWithNoCase(name, "No_")) return ValueType::Number;
+  return ValueType::Unknown;
+}
+
+ValueType Wider(ValueType a, ValueType b) {
+  if (a == ValueType::Number || b == ValueType::Number) return ValueType::Number;
+  const auto rank = [](ValueType type) {
+    switch (type) {
+      case ValueType::Integer: return 1;
+      case ValueType::Money: return 2;
+      case ValueType::Decimal: return 3;
+      case ValueType::Float: return 4;
+      default: return 0;
+    }
+  };
+  if (rank(a) == 0) return b;
+  if (rank(b) == 0) return a;
+  return rank(a) >= rank(b) ? a : b;
+}
+
+ValueType ValueTypeOf(ColumnKind kind) {
+  switch (kind) {
+    case ColumnKind::Integer: return ValueType::Integer;
+    case ColumnKind::Money: return ValueType::Money;
+    case ColumnKind::Decimal: return ValueType::Decimal;
+    case ColumnKind::Float: return ValueType::Float;
+    case ColumnKind::Text: return ValueType::Text;
+    case ColumnKind::Date: return ValueType::Date;
+    case ColumnKind::Unknown: break;
   }
   return ValueType::Unknown;
+}
+
+DataTypeEnum DataTypeOf(ValueType type) {
+  switch (type) {
+    case ValueType::Integer:
+    case ValueType::Null: return adInteger;  // SELECT NULL is an int column
+    case ValueType::Money: return adCurrency;
+    case ValueType::Decimal: return adNumeric;
+    case ValueType::Float: return adDouble;
+    case ValueType::Text: return adVarChar;
+    case ValueType::Date: return adDBTimeStamp;
+    default: return adEmpty;
+  }
 }
 
 bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> names) {

@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "vek/db/dialect/ColumnKinds.h"
 #include "vek/db/dialect/DateText.h"
 #include "vek/db/dialect/Tokenizer.h"
 
@@ -90,7 +91,19 @@ WordClass ClassifyWord(std::string_view word);
 // Statements that no dialect translates (EXEC, DECLARE, SET, BACKUP ...).
 bool IsProceduralStatement(std::string_view word);
 
-enum class ValueType { Unknown, Null, Number, Text, Date };
+// Number is a number of a kind not known before the rows come; the other
+// numeric kinds are T-SQL's, widest last: Integer < Money < Decimal < Float.
+enum class ValueType { Unknown, Null, Number, Text, Date, Integer, Money, Decimal, Float };
+
+inline bool IsNumeric(ValueType type) {
+  return type == ValueType::Number || type == ValueType::Integer || type == ValueType::Money ||
+         type == ValueType::Decimal || type == ValueType::Float;
+}
+// The type of arithmetic between two numbers: the operand of the higher
+// precedence wins, as in T-SQL; a number of unknown kind leaves it unknown.
+ValueType Wider(ValueType a, ValueType b);
+ValueType ValueTypeOf(ColumnKind kind);
+DataTypeEnum DataTypeOf(ValueType type);
 
 inline char AsciiUpper(char c) {
   return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
@@ -110,7 +123,7 @@ std::string StringLiteralValue(const Token& token);
 
 // The target of CONVERT or CAST.
 struct TargetType {
-  enum class Kind { Text, Date, DateTime, Integer, Decimal, Real } kind = Kind::Text;
+  enum class Kind { Text, Date, DateTime, Integer, Money, Decimal, Real } kind = Kind::Text;
   int64_t length = 30;  // Text: characters kept; -1 for no limit
   int64_t precision = 18;  // Decimal: digits in all
   int64_t scale = 0;    // Decimal: digits after the point
@@ -123,7 +136,7 @@ struct Term {
   size_t op = kNone;  // the "+" or "-" before it; kNone for the first term
 };
 
-enum class ChainMode { Plain, Concat, DateAdd, Runtime, Error };
+enum class ChainMode { Plain, Numeric, Concat, DateAdd, Runtime, Error };
 
 struct ChainDecision {
   ChainMode mode = ChainMode::Plain;
@@ -238,10 +251,14 @@ struct DialectForms {
 // make. Raises VekError kDialectErrorNumber for what has no form.
 class TranslatorBase {
  public:
-  TranslatorBase(std::string_view sql, const DialectForms& forms) : sql_(sql), forms_(forms) {}
+  TranslatorBase(std::string_view sql, const DialectForms& forms, const ColumnKinds* kinds = nullptr)
+      : sql_(sql), forms_(forms), kinds_(kinds) {}
   virtual ~TranslatorBase() = default;
   TranslatorBase(const TranslatorBase&) = delete;
   TranslatorBase& operator=(const TranslatorBase&) = delete;
+
+  // The types of the columns the statement's SELECT gives (after Run()).
+  const ResultTypes& Types() const { return result_types_; }
 
   std::string Run() {
     tokens_ = Tokenize(sql_);
@@ -260,6 +277,8 @@ class TranslatorBase {
     }
     n_ = sig_.size();
     MatchGroups();
+    // Only a statement that is a SELECT gives rows whose columns it types.
+    result_typed_ = !Is(0, Kw::Select);
     out_.reserve(sql_.size() + sql_.size() / 4 + 32);
     size_t k = 0;
     while (k < n_) {
@@ -296,6 +315,18 @@ class TranslatorBase {
                               std::optional<int64_t> style) = 0;
   // date + days, both as translated text.
   virtual std::string DatePlusDays(const std::string& date, const std::string& days) = 0;
+  // Money arithmetic's result, exact to four places as SQL Server's money.
+  virtual std::string MoneyOf(const std::string& value) = 0;
+  // A text read as a number of the given kind; a text that is none fails.
+  virtual std::string NumberFromText(const std::string& text, ValueType kind) = 0;
+  // SUM over money, exact however many rows it adds; `args` as written
+  // between the parentheses, DISTINCT included.
+  virtual std::string MoneySum(const std::string& args) = 0;
+  // AVG over whole numbers, which SQL Server truncates to a whole number.
+  virtual std::string IntegerAverage(const std::string& args) = 0;
+  // A text literal compared with another text that is not a column (a
+  // literal, a call): compared as the columns compare.
+  virtual std::string ComparedText(const std::string& literal) = 0;
   // DELETE [FROM] table alias WHERE ... that uses the alias; the WHERE
   // clause starts at form.rest.
   virtual void EmitAliasedDelete(const DeleteForm& form, size_t e) = 0;
@@ -452,7 +483,10 @@ class TranslatorBase {
   // Written again from its value, so that a date is read the same whatever
   // the database's date style.
   void EmitStringLiteral(const Token& token) {
-    const std::string value = StringLiteralValue(token);
+    EmitQuoted(StringLiteralValue(token));
+  }
+
+  void EmitQuoted(const std::string& value) {
     out_.push_back('\'');
     for (char c : value) {
       if (c == '\'') out_.push_back('\'');
@@ -876,9 +910,46 @@ class TranslatorBase {
   }
 
   ValueType TypeOfTerm(const Term& term) const {
-    const size_t q = PrimaryEnd(term.begin, term.end);
-    if (q != term.end) return ValueType::Number;  // * / %
-    return TypeOfPrimary(term.begin, q);
+    size_t q = PrimaryEnd(term.begin, term.end);
+    ValueType type = TypeOfPrimary(term.begin, q);
+    if (q == term.end) return type;
+    // * / %: text meeting a number becomes that number, as in T-SQL.
+    ValueType numeric = IsNumeric(type) ? type : ValueType::Unknown;
+    bool unknown = !IsNumeric(type) && type != ValueType::Text && type != ValueType::Null;
+    while (q < term.end) {
+      const size_t next = PrimaryEnd(q + 1, term.end);
+      const ValueType operand = TypeOfPrimary(q + 1, next);
+      if (IsNumeric(operand)) {
+        numeric = numeric == ValueType::Unknown ? operand : Wider(numeric, operand);
+      } else if (operand != ValueType::Text && operand != ValueType::Null) {
+        unknown = true;
+      }
+      q = next;
+    }
+    if (unknown || numeric == ValueType::Unknown) return ValueType::Number;
+    return numeric;
+  }
+
+  // The type of a query's first column, as a subquery in an expression gives it.
+  ValueType TypeOfSubquery(size_t select, size_t e) const {
+    size_t k = select + 1;
+    if (Is(k, Kw::Distinct) || Is(k, Kw::All)) ++k;
+    if (Is(k, Kw::Top)) k += IsOp(k + 1, "(") ? Match(k + 1) - k + 1 : 2;
+    size_t end = k;
+    while (end < e && !EndsSelectList(end) && !IsOp(end, ",")) end = Skip(end);
+    return TypeOfItem(k, end);
+  }
+
+  // The type of a select-list item, its alias set aside.
+  ValueType TypeOfItem(size_t b, size_t e) const {
+    if (IsOp(b + 1, "=") && b + 2 < e && (IsAliasWord(b) || At(b).kind == TokenKind::String)) b += 2;
+    if (b >= e || PrimaryEnd(b, e) == b) return ValueType::Unknown;
+    const std::vector<Term> terms = ParseChain(b, e);
+    const size_t rest = terms.back().end;
+    // What may follow the expression: [AS] alias.
+    if (rest < e && !(rest + 1 == e || (Is(rest, Kw::As) && rest + 2 == e))) return ValueType::Unknown;
+    if (terms.size() == 1) return TypeOfTerm(terms[0]);
+    return Decide(terms).type;
   }
 
   ValueType TypeOfPrimary(size_t p, size_t q) const {
@@ -888,15 +959,15 @@ class TranslatorBase {
       case TokenKind::NationalString:
         return ValueType::Text;
       case TokenKind::Number:
-        return ValueType::Number;
+        return TypeOfNumber(token.text);
       case TokenKind::Operator:
         if (token.text == "(") {
-          if (Is(p + 1, Kw::Select)) return ValueType::Unknown;
+          if (Is(p + 1, Kw::Select)) return TypeOfSubquery(p + 1, q - 1);
           return TypeOfRange(p + 1, q - 1);
         }
         // A sign keeps a number a number.
-        return TypeOfPrimary(p + 1, q) == ValueType::Number ? ValueType::Number
-                                                            : ValueType::Unknown;
+        if (const ValueType signed_type = TypeOfPrimary(p + 1, q); IsNumeric(signed_type)) return signed_type;
+        return ValueType::Unknown;
       default:
         break;
     }
@@ -907,7 +978,24 @@ class TranslatorBase {
     const NameSplit parts = NameParts(p, name_end);
     if (parts.empty() || parts.back() == kNone) return ValueType::Unknown;
     if (parts.size() == 1 && IsKeyword(At(parts[0]), "CURRENT_TIMESTAMP")) return ValueType::Date;
-    return TypeOfColumnName(NameText(parts.back()));
+    return TypeOfColumn(NameText(parts.back()));
+  }
+
+  ValueType TypeOfColumn(std::string_view name) const {
+    if (kinds_) {
+      const ColumnKind kind = kinds_->Of(name);
+      if (kind != ColumnKind::Unknown) return ValueTypeOf(kind);
+    }
+    return TypeOfColumnName(name);
+  }
+
+  // 12 is an int, 1.5 a decimal, 1e3 a float. (A whole number beyond int's
+  // range stays an int here: statements of one shape share their typing,
+  // whatever their numbers.)
+  static ValueType TypeOfNumber(std::string_view text) {
+    if (text.find_first_of("eE") != std::string_view::npos) return ValueType::Float;
+    if (text.find('.') != std::string_view::npos) return ValueType::Decimal;
+    return ValueType::Integer;
   }
 
   ValueType TypeOfCase(size_t open, size_t close) const {
@@ -919,6 +1007,11 @@ class TranslatorBase {
       if (type != ValueType::Unknown && type != ValueType::Null) return type;
     }
     return ValueType::Unknown;
+  }
+
+  // Where an aggregate's argument starts, after DISTINCT or ALL.
+  size_t ArgStart(const std::pair<size_t, size_t>& arg) const {
+    return Is(arg.first, Kw::Distinct) || Is(arg.first, Kw::All) ? arg.first + 1 : arg.first;
   }
 
   std::vector<std::pair<size_t, size_t>> SplitArgs(size_t open, size_t close) const {
@@ -946,19 +1039,25 @@ class TranslatorBase {
                             ? CastTypeRange(open, close)
                             : (args.empty() ? std::pair<size_t, size_t>{0, 0} : args[0]);
       if (type.first >= type.second) return ValueType::Unknown;
-      const std::string_view type_name = At(type.first).text;
-      if (IsOneOf(type_name, {"date", "datetime", "smalldatetime", "datetime2"}))
-        return ValueType::Date;
-      if (IsOneOf(type_name,
-                  {"varchar", "nvarchar", "char", "nchar", "text", "ntext", "sysname"})) {
-        return ValueType::Text;
+      switch (ParseTargetType(type.first, type.second, "CONVERT").kind) {
+        case TargetType::Kind::Text: return ValueType::Text;
+        case TargetType::Kind::Date:
+        case TargetType::Kind::DateTime: return ValueType::Date;
+        case TargetType::Kind::Integer: return ValueType::Integer;
+        case TargetType::Kind::Money: return ValueType::Money;
+        case TargetType::Kind::Decimal: return ValueType::Decimal;
+        case TargetType::Kind::Real: return ValueType::Float;
       }
-      return ValueType::Number;
     }
-    if (IsOneOf(function,
-                {"datediff", "datepart", "day", "month", "year", "len", "charindex", "count",
-                 "count_big", "sum", "avg", "abs", "round", "floor", "ceiling", "sign"})) {
-      return ValueType::Number;
+    if (IsOneOf(function, {"datediff", "datepart", "day", "month", "year", "len", "charindex",
+                           "count", "count_big"})) {
+      return ValueType::Integer;
+    }
+    // An aggregate or a rounding keeps its argument's kind (AVG of ints is an int).
+    if (IsOneOf(function, {"sum", "avg", "abs", "round", "floor", "ceiling", "sign"})) {
+      if (args.empty()) return ValueType::Number;
+      const ValueType type = TypeOfRange(ArgStart(args[0]), args[0].second);
+      return IsNumeric(type) ? type : ValueType::Number;
     }
     if (IsOneOf(function, {"substring", "upper", "lower", "ltrim", "rtrim", "left", "right",
                            "replace", "char", "nchar", "space", "replicate", "str", "reverse"})) {
@@ -983,9 +1082,12 @@ class TranslatorBase {
     size_t unknowns = 0;
     bool minus = false;
     bool plus = false;
+    // The kind of the numbers in the chain; Unknown while there is none.
+    ValueType numeric = ValueType::Unknown;
     for (size_t i = 0; i < terms.size(); ++i) {
       if (terms[i].op != kNone) (IsOp(terms[i].op, "-") ? minus : plus) = true;
-      switch (TypeOfTerm(terms[i])) {
+      const ValueType type = TypeOfTerm(terms[i]);
+      switch (type) {
         case ValueType::Text:
           ++texts;
           break;
@@ -996,7 +1098,10 @@ class TranslatorBase {
         case ValueType::Unknown:
           ++unknowns;
           break;
+        case ValueType::Null:
+          break;
         default:
+          numeric = numeric == ValueType::Unknown ? type : Wider(numeric, type);
           break;
       }
     }
@@ -1015,6 +1120,11 @@ class TranslatorBase {
         decision.mode = ChainMode::DateAdd;
         decision.type = ValueType::Date;
       }
+    } else if (texts > 0 && numeric != ValueType::Unknown && numeric != ValueType::Number &&
+               unknowns == 0) {
+      // A text meeting a number is read as that number: '1' + 1 is 2.
+      decision.mode = ChainMode::Numeric;
+      decision.type = numeric;
     } else if (texts > 0) {
       if (minus) {
         decision.mode = ChainMode::Error;
@@ -1027,7 +1137,7 @@ class TranslatorBase {
       decision.mode = ChainMode::Runtime;
     } else {
       decision.mode = ChainMode::Plain;
-      decision.type = ValueType::Number;
+      decision.type = unknowns > 0 || numeric == ValueType::Unknown ? ValueType::Number : numeric;
     }
     return decision;
   }
@@ -1046,6 +1156,13 @@ class TranslatorBase {
     }
   }
 
+  // A product or quotient of money is money, rounded as SQL Server rounds it.
+  void EmitMoneyTerm(const Term& term) {
+    if (IsSinglePrimary(term) || TypeOfTerm(term) != ValueType::Money) return EmitTerm(term);
+    EmitTrivia(term.begin);
+    out_.append(MoneyOf(Capture([&] { EmitTerm(term); })));
+  }
+
   bool IsSinglePrimary(const Term& term) const {
     return PrimaryEnd(term.begin, term.end) == term.end;
   }
@@ -1055,7 +1172,7 @@ class TranslatorBase {
     // Most operands stand alone: no "+" or "-" follows them.
     const size_t first_end = TermEnd(k, e);
     if (first_end >= e || !IsAdditive(first_end) || TermEnd(first_end + 1, e) == first_end + 1) {
-      EmitTerm(Term{k, first_end, kNone});
+      EmitMoneyTerm(Term{k, first_end, kNone});
       return first_end;
     }
     const std::vector<Term> terms = ParseChain(k, e);
@@ -1064,18 +1181,43 @@ class TranslatorBase {
       case ChainMode::Error:
         RaiseDialectError(decision.error);
       case ChainMode::Plain:
+        if (decision.type == ValueType::Money) {
+          EmitTrivia(k);
+          out_.append(MoneyOf(Capture([&] {
+            for (const Term& term : terms) {
+              if (term.op != kNone) EmitToken(term.op);
+              EmitMoneyTerm(term);
+            }
+          })));
+          break;
+        }
         for (const Term& term : terms) {
           if (term.op != kNone) EmitToken(term.op);
-          EmitTerm(term);
+          EmitMoneyTerm(term);
         }
         break;
+      case ChainMode::Numeric: {
+        EmitTrivia(k);
+        std::string sum;
+        for (const Term& term : terms) {
+          if (term.op != kNone) sum.append(IsOp(term.op, "-") ? " - " : " + ");
+          std::string operand = Capture([&] { EmitMoneyTerm(term); });
+          if (TypeOfTerm(term) == ValueType::Text) operand = NumberFromText(operand, decision.type);
+          sum.append(operand);
+        }
+        out_.append(decision.type == ValueType::Money ? MoneyOf(sum) : sum);
+        break;
+      }
       case ChainMode::Concat:
         for (const Term& term : terms) {
           if (term.op != kNone) {
             EmitTrivia(term.op);
             out_.append("||");
           }
-          if (IsSinglePrimary(term)) {
+          if (IsSinglePrimary(term) && term.end == term.begin + 1 && At(term.begin).kind == TokenKind::String) {
+            EmitTrivia(term.begin);
+            EmitQuoted(StringValue(At(term.begin)));
+          } else if (IsSinglePrimary(term)) {
             EmitTerm(term);
           } else {
             out_.push_back('(');
@@ -1137,6 +1279,12 @@ class TranslatorBase {
       EmitToken(q - 1);
       return;
     }
+    if ((token.kind == TokenKind::String || token.kind == TokenKind::NationalString) &&
+        !IsDateLiteral(token) && ComparedWithNonColumn(p)) {
+      EmitTrivia(p);
+      out_.append(ComparedText(Capture([&] { EmitText(p); })));
+      return;
+    }
     if (token.kind == TokenKind::String || token.kind == TokenKind::NationalString ||
         token.kind == TokenKind::Number || Is(p, Kw::Null)) {
       EmitToken(p);
@@ -1148,6 +1296,30 @@ class TranslatorBase {
   }
 
   // ---- calls -------------------------------------------------------------------
+
+  bool IsComparison(size_t k) const {
+    return IsOp(k, "=") || IsOp(k, "<>") || IsOp(k, "!=") || IsOp(k, "<") || IsOp(k, ">") ||
+           IsOp(k, "<=") || IsOp(k, ">=") || IsOp(k, "!<") || IsOp(k, "!>");
+  }
+
+  // Whether the literal at k is compared with a text that is no column: a
+  // column brings its collation to the comparison, a literal or a call not.
+  bool ComparedWithNonColumn(size_t k) const {
+    if (IsComparison(k + 1)) {
+      const size_t q = PrimaryEnd(k + 2, n_);
+      if (q == k + 2) return false;
+      const Token& other = At(k + 2);
+      if (other.kind == TokenKind::String || other.kind == TokenKind::NationalString) return !IsDateLiteral(other);
+      return NameEnd(k + 2, q) < q && TypeOfPrimary(k + 2, q) == ValueType::Text;
+    }
+    if (k >= 2 && IsComparison(k - 1)) {
+      const Token& other = At(k - 2);
+      if (other.kind == TokenKind::String || other.kind == TokenKind::NationalString) return !IsDateLiteral(other);
+      return IsOp(k - 2, ")") && Match(k - 2) > 0 && NameEnd(Match(k - 2) - 1, Match(k - 2)) == Match(k - 2) &&
+             TypeOfPrimary(Match(k - 2) - 1, k - 1) == ValueType::Text;
+    }
+    return false;
+  }
 
   // A call other than CONVERT and CAST: name .. close are significant indices.
   void EmitCall(size_t name, size_t open, size_t close) {
@@ -1161,6 +1333,8 @@ class TranslatorBase {
       out_.append("vek_getdate()");
       return;
     }
+    if (IsOneOf(function, {"sum", "avg"}) && args.size() == 1 && EmitTypedAggregate(function, name, open, close))
+      return;
     for (const RenamedFunction& renamed : RenamedFunctions()) {
       if (!EqualsAsciiNoCase(function, renamed.function)) continue;
       RequireArgs(function, args.size(), renamed.least, renamed.most);
@@ -1168,6 +1342,22 @@ class TranslatorBase {
     }
     if (EmitDialectCall(function, name, args) || EmitDatePartCall(function, name, args)) return;
     EmitPlainCall(name, open, close);
+  }
+
+  // SUM of money is exact; AVG of money is money, AVG of whole numbers a
+  // whole number. False for the sums and averages that stand as written.
+  bool EmitTypedAggregate(std::string_view function, size_t name, size_t open, size_t close) {
+    const ValueType type = TypeOfRange(ArgStart({open + 1, close}), close);
+    const bool sum = EqualsAsciiNoCase(function, "sum");
+    if (type != ValueType::Money && (sum || type != ValueType::Integer)) return false;
+    EmitTrivia(name);
+    const std::string args = Capture([&] { EmitSequence(open + 1, close); });
+    if (type == ValueType::Integer) {
+      out_.append(IntegerAverage(args));
+    } else {
+      out_.append(sum ? MoneySum(args) : MoneyOf("AVG(" + args + ")"));
+    }
+    return true;
   }
 
   void RequireArgs(std::string_view function, size_t count, size_t least, size_t most) const {
@@ -1326,7 +1516,7 @@ class TranslatorBase {
       type.precision = size.value_or(18);
       type.scale = scale.value_or(0);
     } else if (IsOneOf(name, {"money", "smallmoney"})) {
-      type.kind = TargetType::Kind::Decimal;
+      type.kind = TargetType::Kind::Money;
       type.precision = EqualsAsciiNoCase(name, "money") ? 19 : 10;
       type.scale = 4;
     } else if (IsOneOf(name, {"float", "real"})) {
@@ -1495,10 +1685,18 @@ class TranslatorBase {
     size_t end = k;
     while (end < e && !EndsSelectList(end)) end = Skip(end);
     if (Is(end, Kw::Into)) RaiseDialectError("SELECT ... INTO is not supported on " + Dialect());
+    const bool outer = !result_typed_;
+    result_typed_ = true;
     size_t item = k;
     while (item < end) {
       size_t item_end = item;
       while (item_end < end && !IsOp(item_end, ",")) item_end = Skip(item_end);
+      if (outer) RecordResultType(item, item_end);
+      if (EmitLiteralItem(item, item_end)) {
+        if (item_end < end) EmitToken(item_end);
+        item = item_end + 1;
+        continue;
+      }
       const bool named = IsOp(item + 1, "=") && item + 2 < item_end &&
                          (IsAliasWord(item) || At(item).kind == TokenKind::String);
       if (At(item).kind == TokenKind::Word && At(item).text[0] == '@' && IsOp(item + 1, "=")) {
@@ -1521,6 +1719,29 @@ class TranslatorBase {
       item = item_end + 1;
     }
     return end;
+  }
+
+  void RecordResultType(size_t b, size_t e) {
+    const bool star = IsOp(e - 1, "*") && (e - 1 == b || IsOp(e - 2, "."));
+    if (star) {
+      result_types_.has_star = true;
+      result_types_.after_star.clear();
+      return;
+    }
+    const DataTypeEnum type = DataTypeOf(TypeOfItem(b, e));
+    (result_types_.has_star ? result_types_.after_star : result_types_.before_star).push_back(type);
+  }
+
+  // A text selected as it stands keeps its text, even one that reads as a
+  // date: only where a literal meets a date is it one.
+  bool EmitLiteralItem(size_t b, size_t e) {
+    const Token& token = At(b);
+    if (token.kind != TokenKind::String && token.kind != TokenKind::NationalString) return false;
+    if (!(b + 1 == e || b + 2 == e || (Is(b + 1, Kw::As) && b + 3 == e))) return false;
+    EmitTrivia(b);
+    EmitQuoted(StringValue(token));
+    for (size_t j = b + 1; j < e; ++j) EmitToken(j);
+    return true;
   }
 
   // ---- DELETE, UPDATE, INSERT ------------------------------------------------------
@@ -1727,6 +1948,10 @@ class TranslatorBase {
 
   std::string_view sql_;
   DialectForms forms_;
+  const ColumnKinds* kinds_;
+  // The types of the outer SELECT's columns, once its list is read.
+  ResultTypes result_types_;
+  bool result_typed_ = false;
   std::vector<Token> tokens_;
   std::vector<Sig> sig_;
   // The names that the open scopes know, innermost last, and once there are

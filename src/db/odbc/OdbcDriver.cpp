@@ -13,6 +13,7 @@
 
 #include "vek/db/Command.h"
 #include "vek/db/DbError.h"
+#include "vek/db/dialect/ColumnKinds.h"
 #include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
 
@@ -481,6 +482,9 @@ FetchKind KindOfParameter(DataTypeEnum type) {
   }
 }
 
+// How a result column of a type is read; a decimal reads as a Double.
+FetchKind FetchOf(DataTypeEnum type) { return type == adNumeric ? FetchKind::Double : KindOfParameter(type); }
+
 Variant OutputValue(const BoundParameter& buffer, FetchKind kind) {
   if (buffer.indicator == SQL_NULL_DATA) return Variant::Null();
   switch (kind) {
@@ -528,8 +532,26 @@ class OdbcDriver final : public Driver {
 
   Dialect SqlDialect() const override { return dialect_; }
 
-  QueryResult Run(const std::string& text, std::span<const Variant> parameters) override {
-    return RunText(text, parameters, false);
+  QueryResult RunTyped(const std::string& text, std::span<const Variant> parameters,
+                       const dialect::ResultTypes* types) override {
+    return RunText(text, parameters, false, types);
+  }
+
+  const dialect::ColumnKinds* DeclaredKinds() override {
+    if (dialect_ != Dialect::PostgreSQL) return nullptr;
+    if (!kinds_read_) {
+      kinds_ = dialect::ColumnKinds();
+      const QueryResult columns = RunText(
+          "SELECT column_name, data_type, numeric_precision, numeric_scale FROM information_schema.columns "
+          "WHERE table_schema IN ('public', 'mdestacionamento')",
+          {}, false);
+      for (const Row& row : columns.rows) {
+        const auto number = [](const Variant& value) { return value.IsNull() ? 0 : static_cast<int>(CLng(value)); };
+        kinds_.Add(CStr(row[0]), dialect::KindOfDeclaredType(CStr(row[1]), number(row[2]), number(row[3])));
+      }
+      kinds_read_ = true;
+    }
+    return &kinds_;
   }
 
   std::optional<int64_t> Insert(const RowWrite& row) override {
@@ -614,12 +636,13 @@ class OdbcDriver final : public Driver {
     std::list<std::string>::iterator lru_position;
   };
 
-  QueryResult RunText(const std::string& text, std::span<const Variant> parameters, bool skip_counts) {
+  QueryResult RunText(const std::string& text, std::span<const Variant> parameters, bool skip_counts,
+                      const dialect::ResultTypes* types = nullptr) {
     if (!connection_) RaiseDbError(adErrUnspecified, kSource, "The connection is closed.");
     CachedStatement& cached = Prepare(text);
     QueryResult result;
     try {
-      result = Execute(cached, parameters, skip_counts);
+      result = Execute(cached, parameters, skip_counts, types);
     } catch (...) {
       // A statement that failed is prepared afresh next time.
       Forget(text);
@@ -670,9 +693,11 @@ class OdbcDriver final : public Driver {
     statements_.clear();
     lru_.clear();
     tables_.clear();
+    kinds_read_ = false;
   }
 
-  QueryResult Execute(CachedStatement& cached, std::span<const Variant> parameters, bool skip_counts) {
+  QueryResult Execute(CachedStatement& cached, std::span<const Variant> parameters, bool skip_counts,
+                      const dialect::ResultTypes* types) {
     SQLHSTMT statement = cached.handle.Get();
     if (static_cast<SQLSMALLINT>(parameters.size()) != cached.parameter_count) {
       RaiseDbError(adErrUnspecified, kSource,
@@ -711,7 +736,7 @@ class OdbcDriver final : public Driver {
       return result;
     }
     if (!cached.column_set || cached.fetch.size() != static_cast<size_t>(column_count)) {
-      DescribeColumns(cached, column_count);
+      DescribeColumns(cached, column_count, types);
     }
     while ((code = SQLFetch(statement)) != SQL_NO_DATA) {
       Check(code, SQL_HANDLE_STMT, statement);
@@ -837,7 +862,7 @@ class OdbcDriver final : public Driver {
     }
   }
 
-  void DescribeColumns(CachedStatement& cached, SQLSMALLINT count) {
+  void DescribeColumns(CachedStatement& cached, SQLSMALLINT count, const dialect::ResultTypes* types) {
     SQLHSTMT statement = cached.handle.Get();
     std::vector<ColumnInfo> columns(static_cast<size_t>(count));
     std::vector<FetchKind> fetch(static_cast<size_t>(count));
@@ -858,7 +883,17 @@ class OdbcDriver final : public Driver {
       fetch[number - 1] = type.fetch;
 
       column.base_table = TextAttribute(statement, number, SQL_DESC_BASE_TABLE_NAME);
-      if (column.base_table.empty()) continue;
+      if (column.base_table.empty()) {
+        // An expression: the type SQL Server would give it, read as that type.
+        const DataTypeEnum translated =
+            types ? types->Of(number - 1u, static_cast<size_t>(count)) : adEmpty;
+        if (translated != adEmpty && translated != column.type) {
+          column.type = translated;
+          fetch[number - 1] = FetchOf(translated);
+          if (translated == adInteger || translated == adCurrency) column.defined_size = translated == adInteger ? 4 : 8;
+        }
+        continue;
+      }
       column.base_column = TextAttribute(statement, number, SQL_DESC_BASE_COLUMN_NAME);
       if (column.base_column.empty()) column.base_column = column.name;
       // PostgreSQL's catalogue is the database; its schema is what tells
@@ -939,6 +974,8 @@ class OdbcDriver final : public Driver {
   std::unordered_map<std::string, CachedStatement> statements_;
   std::list<std::string> lru_;
   std::unordered_map<std::string, std::vector<std::string>> tables_;
+  dialect::ColumnKinds kinds_;
+  bool kinds_read_ = false;
 };
 
 Dialect DialectOf(SQLHDBC connection) {

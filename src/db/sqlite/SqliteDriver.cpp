@@ -9,6 +9,7 @@
 
 #include "vek/db/DateText.h"
 #include "vek/db/DbError.h"
+#include "vek/db/dialect/ColumnKinds.h"
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/platform/Text.h"
 
@@ -91,6 +92,19 @@ void TypeFromDeclared(std::string_view declared, ColumnInfo& column) {
     column.defined_size = 19;
   } else {
     column.type = adVariant;
+  }
+}
+
+// An expression's column as the translation types it.
+void TypeFromTranslation(DataTypeEnum type, ColumnInfo& column) {
+  column.type = type;
+  switch (type) {
+    case adInteger: column.defined_size = 4; break;
+    case adCurrency:
+    case adDouble: column.defined_size = 8; break;
+    case adNumeric: column.defined_size = 19; break;
+    case adDBTimeStamp: column.defined_size = 16; break;
+    default: column.defined_size = std::numeric_limits<int32_t>::max(); break;
   }
 }
 
@@ -182,14 +196,15 @@ class SqliteDriver final : public Driver {
 
   Dialect SqlDialect() const override { return Dialect::SQLite; }
 
-  QueryResult Run(const std::string& text, std::span<const Variant> parameters) override {
+  QueryResult RunTyped(const std::string& text, std::span<const Variant> parameters,
+                       const dialect::ResultTypes* types) override {
     CachedStatement& cached = Prepare(text);
     sqlite3_stmt* statement = cached.handle.get();
     Bind(statement, parameters);
     QueryResult result;
     const int column_count = sqlite3_column_count(statement);
     result.returns_rows = column_count > 0;
-    if (result.returns_rows && !cached.column_set) DescribeColumns(cached);
+    if (result.returns_rows && !cached.column_set) DescribeColumns(cached, types);
     const bool untyped_columns = cached.untyped;
     const int64_t changes_before = sqlite3_total_changes64(db_.get());
     int code;
@@ -336,7 +351,43 @@ class SqliteDriver final : public Driver {
     }
   }
 
-  void DescribeColumns(CachedStatement& cached) {
+  const dialect::ColumnKinds* DeclaredKinds() override {
+    if (!kinds_read_) {
+      kinds_ = ReadDeclaredKinds();
+      kinds_read_ = true;
+    }
+    return &kinds_;
+  }
+
+  // Every column of every table and view of the main and attached databases.
+  dialect::ColumnKinds ReadDeclaredKinds() {
+    dialect::ColumnKinds kinds;
+    std::vector<std::string> databases;
+    ForEachRow("SELECT name FROM pragma_database_list WHERE name <> 'temp'",
+               [&](sqlite3_stmt* row) { databases.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(row, 0))); });
+    for (const std::string& database : databases) {
+      ForEachRow("SELECT p.name, p.type FROM " + Quoted(database) + ".sqlite_master AS m, pragma_table_info(m.name, '" +
+                     Replace(database, "'", "''") + "') AS p WHERE m.type IN ('table', 'view')",
+                 [&](sqlite3_stmt* row) {
+                   const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(row, 0));
+                   const auto* type = reinterpret_cast<const char*>(sqlite3_column_text(row, 1));
+                   if (name) kinds.Add(name, dialect::KindOfDeclaredType(type ? type : ""));
+                 });
+    }
+    return kinds;
+  }
+
+  template <class Visit>
+  void ForEachRow(const std::string& text, Visit&& visit) {
+    sqlite3_stmt* raw = nullptr;
+    if (sqlite3_prepare_v2(db_.get(), text.c_str(), -1, &raw, nullptr) != SQLITE_OK) {
+      RaiseSqliteError(db_.get(), sqlite3_errcode(db_.get()));
+    }
+    StatementHandle statement(raw);
+    while (sqlite3_step(raw) == SQLITE_ROW) visit(raw);
+  }
+
+  void DescribeColumns(CachedStatement& cached, const dialect::ResultTypes* types) {
     sqlite3_stmt* statement = cached.handle.get();
     const int count = sqlite3_column_count(statement);
     cached.columns.resize(static_cast<size_t>(count));
@@ -345,9 +396,14 @@ class SqliteDriver final : public Driver {
       column.name = sqlite3_column_name(statement, i);
       const char* declared = sqlite3_column_decltype(statement, i);
       const char* table = sqlite3_column_table_name(statement, i);
+      const DataTypeEnum translated = types ? types->Of(static_cast<size_t>(i), static_cast<size_t>(count)) : adEmpty;
       if (declared) {
         TypeFromDeclared(declared, column);
+      } else if (translated != adEmpty) {
+        TypeFromTranslation(translated, column);
       } else {
+        // Known only from the rows (a parameter selected, a derived table's
+        // expression): typed as the server would type its value.
         column.type = adVariant;
         cached.untyped = true;
       }
@@ -416,6 +472,7 @@ class SqliteDriver final : public Driver {
 
   void ForgetSchema() {
     tables_.clear();
+    kinds_read_ = false;
     for (auto& [text, cached] : statements_) {
       cached.columns.clear();
       cached.column_set.reset();
@@ -429,6 +486,8 @@ class SqliteDriver final : public Driver {
   std::list<std::string> lru_;
   CachedStatement* last_ = nullptr;  // the front of lru_, or nullptr
   std::unordered_map<std::string, TableInfo> tables_;
+  dialect::ColumnKinds kinds_;
+  bool kinds_read_ = false;
 };
 
 void RunPragma(sqlite3* db, const std::string& text) {

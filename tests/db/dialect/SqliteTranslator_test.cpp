@@ -720,12 +720,12 @@ TEST(SqliteStringLiteralValue, IsTheTextTheTranslationWritesBetweenQuotes) {
   EXPECT_EQ(value(11), "");
   for (size_t i = 0; i < 4; ++i) EXPECT_TRUE(is_date(i)) << i;
   for (size_t i = 4; i < 12; ++i) EXPECT_FALSE(is_date(i)) << i;
-  // The translation writes exactly that value.
+  // The translation writes exactly that value where the literal meets a column.
   for (size_t i = 0; i < 10; ++i) {
     std::string quoted = "'";
     for (char c : value(i)) quoted += c == '\'' ? std::string("''") : std::string(1, c);
-    EXPECT_EQ(TranslateToSqlite("SELECT " + std::string(tokens[i * 2].text)),
-              "SELECT " + quoted + "'")
+    EXPECT_EQ(TranslateToSqlite("SELECT * FROM T WHERE Dt_X = " + std::string(tokens[i * 2].text)),
+              "SELECT * FROM T WHERE Dt_X = " + quoted + "'")
         << i;
   }
 }
