@@ -136,6 +136,12 @@ Driver& Connection::OpenDriverOrRaise(const char* object) {
   return *driver_;
 }
 
+std::string Connection::TextAsRun(const std::string& text) {
+  OpenDriverOrRaise("ADODB.Connection");
+  if (driver_->SqlDialect() == Dialect::SqlServer) return text;
+  return Translate(text).text;
+}
+
 const dialect::Translation& Connection::Translate(const std::string& text) {
   if (auto hit = translations_.find(text); hit != translations_.end()) return hit->second;
   // Only text that passed the guard is cached, so a cached text skips it.

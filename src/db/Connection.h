@@ -84,6 +84,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // The choke point (used by Recordset and Command as well).
   QueryResult RunStatement(const std::string& text, std::span<const Variant> parameters = {},
                            bool translate = true);
+  // The text that runs on this connection for `text` (SQL Server's): the
+  // translation for its database, typed by that database's columns.
+  std::string TextAsRun(const std::string& text);
   // Writes a row back through the driver; raises 3704 when closed.
   std::optional<int64_t> InsertRow(const RowWrite& row);
   int64_t UpdateRow(const RowWrite& row);
@@ -92,6 +95,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void NotifyStatement(const std::string& text);
   Driver& OpenDriverOrRaise(const char* object);
   const dialect::Translation& Translate(const std::string& text);
+
   void TellServerTheTime(Driver& driver);
   struct ShapeEntry;
   const ShapeEntry& Shape(const std::string& text, const StatementShape& shape);

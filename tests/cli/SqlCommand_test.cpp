@@ -37,7 +37,7 @@ TEST(SqlCommandTest, BadUsageIsExitTwoAndAMissingDatabaseIsRefusedWithoutMakingA
     EXPECT_EQ(run.code, tried.code) << ::testing::PrintToString(tried.args) << run.err;
     EXPECT_FALSE(run.err.empty()) << ::testing::PrintToString(tried.args);
     if (tried.code == 1) {
-      EXPECT_NE(run.err.find("no database file at"), std::string::npos) << run.err;
+      EXPECT_NE(run.err.find("no database file or terminal folder at"), std::string::npos) << run.err;
     }
   }
   EXPECT_FALSE(fs::exists(mistyped));

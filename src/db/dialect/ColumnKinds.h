@@ -44,6 +44,10 @@ struct ResultTypes {
   // The type of column i of a result of `count` columns.
   DataTypeEnum Of(size_t i, size_t count) const;
   bool empty() const { return before_star.empty() && after_star.empty(); }
+  bool operator==(const ResultTypes&) const = default;
+  // Whether `types` (nullptr: none) are these; texts that translate alike may
+  // type their columns differently ("? / ?" of 7 / 2 and of 7 / 2.0).
+  bool Same(const ResultTypes* types) const { return types ? *this == *types : empty() && !has_star; }
 };
 
 DataTypeEnum DataTypeOf(ColumnKind kind);

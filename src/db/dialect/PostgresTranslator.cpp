@@ -189,8 +189,10 @@ class PostgresTranslator final : public TranslatorBase {
     return "CAST(trunc(AVG(" + args + ")) AS integer)";
   }
 
-  std::string ComparedText(const std::string& literal) override {
-    return "rtrim(" + literal + ") COLLATE vek_ci";
+  // vek_ci compares without case but counts trailing blanks, which SQL
+  // Server sets aside.
+  std::string ComparedText(const std::string& literal, bool with_column) override {
+    return with_column ? "rtrim(" + literal + ")" : "rtrim(" + literal + ") COLLATE vek_ci";
   }
 
   void EmitAliasedDelete(const DeleteForm& form, size_t e) override {

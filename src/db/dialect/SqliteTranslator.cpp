@@ -98,6 +98,12 @@ class SqliteTranslator final : public TranslatorBase {
         out_.push_back(')');
         return;
       case TargetType::Kind::Integer:
+        if (TypeOfRange(value.first, value.second) == ValueType::Text) {
+          out_.append("vek_number(");
+          EmitArg(value);
+          out_.append(", 'int')");
+          return;
+        }
         out_.append("CAST(");
         EmitArg(value);
         out_.append(" AS INTEGER)");
@@ -140,8 +146,9 @@ class SqliteTranslator final : public TranslatorBase {
     return "CAST(AVG(" + args + ") AS INTEGER)";
   }
 
-  std::string ComparedText(const std::string& literal) override {
-    return literal + " COLLATE SQLSERVER_CI_AS";
+  // A text column brings the collation, which sets trailing blanks aside.
+  std::string ComparedText(const std::string& literal, bool with_column) override {
+    return with_column ? literal : literal + " COLLATE SQLSERVER_CI_AS";
   }
 
   // SQLite takes no alias in DELETE: a statement that uses one deletes through rowid.

@@ -324,9 +324,9 @@ class TranslatorBase {
   virtual std::string MoneySum(const std::string& args) = 0;
   // AVG over whole numbers, which SQL Server truncates to a whole number.
   virtual std::string IntegerAverage(const std::string& args) = 0;
-  // A text literal compared with another text that is not a column (a
-  // literal, a call): compared as the columns compare.
-  virtual std::string ComparedText(const std::string& literal) = 0;
+  // A text literal compared with a text column, or with another text that
+  // is no column (a literal, a call): compared as the columns compare.
+  virtual std::string ComparedText(const std::string& literal, bool with_column) = 0;
   // DELETE [FROM] table alias WHERE ... that uses the alias; the WHERE
   // clause starts at form.rest.
   virtual void EmitAliasedDelete(const DeleteForm& form, size_t e) = 0;
@@ -1279,11 +1279,12 @@ class TranslatorBase {
       EmitToken(q - 1);
       return;
     }
-    if ((token.kind == TokenKind::String || token.kind == TokenKind::NationalString) &&
-        !IsDateLiteral(token) && ComparedWithNonColumn(p)) {
-      EmitTrivia(p);
-      out_.append(ComparedText(Capture([&] { EmitText(p); })));
-      return;
+    if ((token.kind == TokenKind::String || token.kind == TokenKind::NationalString) && !IsDateLiteral(token)) {
+      if (const TextPartner partner = ComparisonPartner(p); partner != TextPartner::None) {
+        EmitTrivia(p);
+        out_.append(ComparedText(Capture([&] { EmitText(p); }), partner == TextPartner::Column));
+        return;
+      }
     }
     if (token.kind == TokenKind::String || token.kind == TokenKind::NationalString ||
         token.kind == TokenKind::Number || Is(p, Kw::Null)) {
@@ -1302,23 +1303,34 @@ class TranslatorBase {
            IsOp(k, "<=") || IsOp(k, ">=") || IsOp(k, "!<") || IsOp(k, "!>");
   }
 
-  // Whether the literal at k is compared with a text that is no column: a
-  // column brings its collation to the comparison, a literal or a call not.
-  bool ComparedWithNonColumn(size_t k) const {
+  // What the text literal at k is compared with: a text column (which
+  // brings its collation to the comparison), another text that is no column
+  // (a literal, a call), or nothing the rules of texts apply to.
+  enum class TextPartner { None, Column, Other };
+  TextPartner ComparisonPartner(size_t k) const {
+    const auto partner = [&](size_t b, size_t e) {
+      const Token& other = At(b);
+      if (other.kind == TokenKind::String || other.kind == TokenKind::NationalString)
+        return IsDateLiteral(other) ? TextPartner::None : TextPartner::Other;
+      if (TypeOfPrimary(b, e) != ValueType::Text) return TextPartner::None;
+      return NameEnd(b, e) == e ? TextPartner::Column : TextPartner::Other;
+    };
     if (IsComparison(k + 1)) {
       const size_t q = PrimaryEnd(k + 2, n_);
-      if (q == k + 2) return false;
-      const Token& other = At(k + 2);
-      if (other.kind == TokenKind::String || other.kind == TokenKind::NationalString) return !IsDateLiteral(other);
-      return NameEnd(k + 2, q) < q && TypeOfPrimary(k + 2, q) == ValueType::Text;
+      return q == k + 2 ? TextPartner::None : partner(k + 2, q);
     }
     if (k >= 2 && IsComparison(k - 1)) {
-      const Token& other = At(k - 2);
-      if (other.kind == TokenKind::String || other.kind == TokenKind::NationalString) return !IsDateLiteral(other);
-      return IsOp(k - 2, ")") && Match(k - 2) > 0 && NameEnd(Match(k - 2) - 1, Match(k - 2)) == Match(k - 2) &&
-             TypeOfPrimary(Match(k - 2) - 1, k - 1) == ValueType::Text;
+      if (IsOp(k - 2, ")")) {
+        const size_t open = Match(k - 2);
+        if (open == 0 || NameEnd(open - 1, open) != open) return TextPartner::None;
+        return partner(open - 1, k - 1);
+      }
+      // A name: the column, however qualified.
+      size_t b = k - 2;
+      while (b >= 2 && IsOp(b - 1, ".")) b -= 2;
+      return partner(b, k - 1);
     }
-    return false;
+    return TextPartner::None;
   }
 
   // A call other than CONVERT and CAST: name .. close are significant indices.

@@ -633,6 +633,7 @@ class OdbcDriver final : public Driver {
     SQLSMALLINT parameter_count = 0;
     std::vector<FetchKind> fetch;
     std::shared_ptr<const ColumnSet> column_set;
+    dialect::ResultTypes described_with;
     std::list<std::string>::iterator lru_position;
   };
 
@@ -735,7 +736,8 @@ class OdbcDriver final : public Driver {
       result.records_affected = std::max<SQLLEN>(row_count, 0);
       return result;
     }
-    if (!cached.column_set || cached.fetch.size() != static_cast<size_t>(column_count)) {
+    if (!cached.column_set || cached.fetch.size() != static_cast<size_t>(column_count) ||
+        !cached.described_with.Same(types)) {
       DescribeColumns(cached, column_count, types);
     }
     while ((code = SQLFetch(statement)) != SQL_NO_DATA) {
@@ -863,6 +865,7 @@ class OdbcDriver final : public Driver {
   }
 
   void DescribeColumns(CachedStatement& cached, SQLSMALLINT count, const dialect::ResultTypes* types) {
+    cached.described_with = types ? *types : dialect::ResultTypes();
     SQLHSTMT statement = cached.handle.Get();
     std::vector<ColumnInfo> columns(static_cast<size_t>(count));
     std::vector<FetchKind> fetch(static_cast<size_t>(count));

@@ -204,7 +204,9 @@ class SqliteDriver final : public Driver {
     QueryResult result;
     const int column_count = sqlite3_column_count(statement);
     result.returns_rows = column_count > 0;
-    if (result.returns_rows && !cached.column_set) DescribeColumns(cached, types);
+    if (result.returns_rows && (!cached.column_set || !cached.described_with.Same(types))) {
+      DescribeColumns(cached, types);
+    }
     const bool untyped_columns = cached.untyped;
     const int64_t changes_before = sqlite3_total_changes64(db_.get());
     int code;
@@ -263,6 +265,7 @@ class SqliteDriver final : public Driver {
     StatementHandle handle;
     std::vector<ColumnInfo> columns;
     std::shared_ptr<const ColumnSet> column_set;
+    dialect::ResultTypes described_with;  // the translation's types the columns took
     bool untyped = false;
     bool changes_schema = false;
     std::list<std::string>::iterator lru_position;
@@ -388,6 +391,8 @@ class SqliteDriver final : public Driver {
   }
 
   void DescribeColumns(CachedStatement& cached, const dialect::ResultTypes* types) {
+    cached.described_with = types ? *types : dialect::ResultTypes();
+    cached.untyped = false;
     sqlite3_stmt* statement = cached.handle.get();
     const int count = sqlite3_column_count(statement);
     cached.columns.resize(static_cast<size_t>(count));
