@@ -2,6 +2,16 @@
 // The whole public interface of vek.
 
 #include "vek/Version.h"
+#include "vek/bus/cgdAgendaSom.h"
+#include "vek/bus/cgdEmpresaOnibus.h"
+#include "vek/bus/cgdEmpresasOnibus.h"
+#include "vek/bus/cgdEscalasHorarioLinha.h"
+#include "vek/bus/cgdHorariosLinha.h"
+#include "vek/bus/cgdLinha.h"
+#include "vek/bus/cgdLinhas.h"
+#include "vek/bus/cgdTipoOnibus.h"
+#include "vek/bus/cgdVeiculoOnibus.h"
+#include "vek/bus/cgdViagemOnibus.h"
 #include "vek/db/Command.h"
 #include "vek/db/Connection.h"
 #include "vek/db/DbError.h"

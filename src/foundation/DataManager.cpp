@@ -33,6 +33,14 @@ int32_t DataManager::ExecuteStatement() {
   return affected;
 }
 
+std::shared_ptr<Recordset> DataManager::OpenReport() {
+  auto recordset = std::make_shared<Recordset>();
+  recordset->CursorLocation(adUseClient);
+  recordset->Open(ds_sql_, SessionConnection(), adOpenStatic, adLockReadOnly);
+  recordset->ActiveConnection(nullptr);
+  return recordset;
+}
+
 void DataManager::RequireNoApostrophe(std::string_view field, std::string_view value) const {
   if (value.find('\'') == std::string_view::npos) return;
   throw VekError(kBusinessError, std::string(),

@@ -41,6 +41,9 @@ class DataManager {
   void OpenStatement(Recordset& recordset);
   // Runs `ds_sql_` for its effect; returns the rows affected.
   int32_t ExecuteStatement();
+  // Opens `ds_sql_` the way report record sets are returned: client-side,
+  // static and read-only, detached from the connection (the caller owns it).
+  std::shared_ptr<Recordset> OpenReport();
 
   // Runs a member's body in the trap that adds " -> Class.Member, ".
   template <class Body>

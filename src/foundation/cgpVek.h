@@ -36,6 +36,17 @@ VEK_RECORD_PROPERTIES(cgpEmpresaUsuariaSistema, "TbEmpresaUsuariaSistema",
                       {"Qt_MinutosMaximoSaidaAposPagamento", PropertyType::Variant})
 VEK_RECORD_PROPERTIES(cgpUsuario, "TbUsuario")
 
+// Bus operations: companies, their buses and bus types, lines, timetables
+// with their stops, trips and the announcement schedule.
+VEK_RECORD_PROPERTIES(cgpEmpresaOnibus, "TbEmpresaOnibus")
+VEK_RECORD_PROPERTIES(cgpVeiculoOnibus, "TbVeiculoOnibus")
+VEK_RECORD_PROPERTIES(cgpTipoOnibus, "TbTipoOnibus")
+VEK_RECORD_PROPERTIES(cgpLinha, "TbLinha")
+VEK_RECORD_PROPERTIES(cgpHorariosLinha, "TbHorariosLinha")
+VEK_RECORD_PROPERTIES(cgpEscalasHorarioLinha, "TbEscalasHorarioLinha")
+VEK_RECORD_PROPERTIES(cgpViagemOnibus, "TbViagemOnibus")
+VEK_RECORD_PROPERTIES(cgpAgendaSom, "TbAgendaSom")
+
 // Tariffs.
 VEK_RECORD_PROPERTIES(cgpTipoReceita, "TbTipoReceita")
 VEK_RECORD_PROPERTIES(cgpTarifa, "TbTarifa")

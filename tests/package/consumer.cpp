@@ -54,6 +54,13 @@ int main() {
     veiculo.Ob_cgp()->Let("Cd_Placa", vek::Variant("ABC1D23"));
     if (veiculo.Existe()) return Fail("a plate that is not there");
 
+    // bus/: a bus type, found again by its code.
+    vek::cgdTipoOnibus tipo;
+    tipo.Ob_cgpSistema(session);
+    tipo.Ob_cgp()->Let("Ds_TipoOnibus", vek::Variant("Leito"));
+    tipo.Salvar();
+    if (vek::CStr(tipo.Consultar(false)->Get("Ds_TipoOnibus")) != "Leito") return Fail("a bus type");
+
     std::cout << "vek " << vek::kVersion << ": " << vek::MensagemErro(vek::vbObjectError + 512 + 2) << "\n";
     return 0;
   } catch (const vek::VekError& error) {
