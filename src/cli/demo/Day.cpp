@@ -8,6 +8,7 @@ std::vector<DayStep> DaySteps() {
   // One line per part of the day, in the order the day goes.
   const std::vector<std::vector<DayStep> (*)()> parts = {
       RegistryDay,
+      BusDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

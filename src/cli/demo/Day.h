@@ -63,6 +63,7 @@ struct DayStep {
 
 // The parts of the day, each from its own file.
 std::vector<DayStep> RegistryDay();
+std::vector<DayStep> BusDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
