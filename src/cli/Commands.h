@@ -13,6 +13,8 @@ namespace vek::cli {
 void AddSqlCommand(CLI::App& app);
 void AddInitCommand(CLI::App& app);
 void AddDemoCommand(CLI::App& app);
+void AddBoardCommand(CLI::App& app);
+void AddTimetableCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad

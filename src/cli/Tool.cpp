@@ -32,6 +32,8 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddSqlCommand(app);
   AddInitCommand(app);
   AddDemoCommand(app);
+  AddBoardCommand(app);
+  AddTimetableCommand(app);
 
   const bool redirect = &out != &std::cout;
   try {

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/BusScreens.h"
 #include "cli/demo/Day.h"
 
 namespace vek::cli::demo {
@@ -371,19 +372,6 @@ void ComingAndGoing(DayContext& day) {
   log.Print(day.out);
 }
 
-void PrintBoard(DayContext& day, const std::shared_ptr<Recordset>& rows, const char* title) {
-  day.out << "  " << title << "\n";
-  TextTable table({{"Previsto"}, {"Origem"}, {"Destino"}, {"Empresa"}, {"Plat.", Align::Right}, {"Situação"}});
-  Fields& f = rows->Fields();
-  while (!rows->Eof()) {
-    table.AddRow({HourMinute(f.Item("Hr_Previsto").Value()), CStr(f.Item("Nm_CidadeOrigem").Value()),
-                  CStr(f.Item("Nm_CidadeDestino").Value()), CStr(f.Item("Nm_EmpresaOnibus").Value()),
-                  Format(f.Item("No_Plataforma").Value()), StateName(CLng(f.Item("No_Andamento").Value()))});
-    rows->MoveNext();
-  }
-  table.Print(day.out);
-}
-
 void Board(DayContext& day) {
   // The viewer's look-ahead: trips show from 30 minutes before they are due.
   day.session->Let("Qt_TempoAntecedenciaMostrarViagensVisualizador", 30);
@@ -391,9 +379,10 @@ void Board(DayContext& day) {
   company.Ob_cgp()->Let("Cd_EmpresaUsuariaSistema", day.facts.company);
   day.out << "  The viewer at " << Format(Variant(day.session->Now()), "hh:Nn")
           << ", trips due up to 30 minutes ahead (Qt_TempoAntecedenciaMostrarViagensVisualizador):\n\n";
-  PrintBoard(day, company.rsUltimasChegadas(6), "CHEGADAS (cgdEmpresaUsuariaSistema.rsUltimasChegadas(6))");
-  day.out << "\n";
-  PrintBoard(day, company.rsUltimasPartidas(6), "PARTIDAS (cgdEmpresaUsuariaSistema.rsUltimasPartidas(6))");
+  day.out << "  CHEGADAS (cgdEmpresaUsuariaSistema.rsUltimasChegadas(6))\n";
+  PrintBoard(day.out, *company.rsUltimasChegadas(6), StateName);
+  day.out << "\n  PARTIDAS (cgdEmpresaUsuariaSistema.rsUltimasPartidas(6))\n";
+  PrintBoard(day.out, *company.rsUltimasPartidas(6), StateName);
 }
 
 void Announcements(DayContext& day) {
@@ -430,21 +419,7 @@ void Search(DayContext& day) {
     day.out << "  From \"" << place(from, from_uf) << "\" to \"" << place(to, to_uf) << "\""
             << (stops ? ", stops included" : "") << " (cgdHorariosLinha.adoRsHorariosLinha): " << rows->RecordCount()
             << "\n";
-    TextTable table({{"Hora"}, {"Origem"}, {"Destino"}, {"Empresa"}, {"Tipo"}, {"Plat.", Align::Right},
-                     {"Embarque"}, {"Dias"}});
-    Fields& f = rows->Fields();
-    while (!rows->Eof()) {
-      std::string days;
-      const char* letters = "DSTQQSS";
-      for (int32_t i = 0; i < 7; ++i) days += CBool(f.Item(10 + i).Value()) ? letters[i] : '-';
-      table.AddRow({HourMinute(f.Item("Hr_SaidaRodoviaria").Value()),
-                    CStr(f.Item("Nm_CidadeOrigem").Value()) + "/" + CStr(f.Item("Sg_UFOrigem").Value()),
-                    CStr(f.Item("Nm_CidadeDestino").Value()) + "/" + CStr(f.Item("Sg_UFDestino").Value()),
-                    CStr(f.Item("Nm_EmpresaOnibus").Value()), CStr(f.Item("Ds_TipoOnibus").Value()),
-                    Format(f.Item("No_Plataforma").Value()), CStr(f.Item("Ds_TemEmbarque").Value()), days});
-      rows->MoveNext();
-    }
-    table.Print(day.out);
+    PrintTimetables(day.out, *rows);
   };
   print("Goiânia", "GO", "Campinas", "SP", true);
   day.out << "\n";
