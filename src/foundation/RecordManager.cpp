@@ -2,7 +2,9 @@
 
 #include <charconv>
 
+#include "vek/db/Command.h"
 #include "vek/db/Recordset.h"
+#include "vek/foundation/SqlLiterals.h"
 #include "vek/foundation/MessageCatalogue.h"
 #include "vek/foundation/Sequences.h"
 #include "vek/foundation/cgdModulo.h"
@@ -131,19 +133,108 @@ void RecordManager::Excluir() {
 void RecordManager::ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegistro) {
   if (LookupKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Consultar");
   ds_sql_ = ConsultarStatement();
+  LoadFirstRow(Ic_RestaurarDefaulSeNaoEcontrarRegistro, "Consultar");
+}
+
+bool RecordManager::LoadFirstRow(bool restore, std::string_view member) {
   // The row is read and dropped here: a record set of our own, not a shared one.
   Recordset recordset;
   OpenStatement(recordset);
   if (recordset.RecordCount() == 0) {
-    if (Ic_RestaurarDefaulSeNaoEcontrarRegistro) {
-      RecordObject().RestaurarDefault();
-      return;
-    }
     recordset.Close();
-    RaiseError(kErrorRecordNotFound, RuntimeTypeName(*this), "Consultar");
+    if (restore) {
+      RecordObject().RestaurarDefault();
+      return false;
+    }
+    RaiseError(kErrorRecordNotFound, RuntimeTypeName(*this), member);
   }
   CopyRowToProperties(recordset, RecordObject());
   recordset.Close();
+  return true;
+}
+
+bool RecordManager::StatementHasRows() {
+  Recordset recordset;
+  OpenStatement(recordset);
+  const bool found = !recordset.Eof();
+  recordset.Close();
+  return found;
+}
+
+Variant RecordManager::FirstValue() {
+  Recordset recordset;
+  OpenStatement(recordset);
+  Variant value;
+  if (!recordset.Eof()) value = recordset.Fields().Item(0).Value();
+  recordset.Close();
+  return value;
+}
+
+std::string RecordManager::SelectByKey(bool semicolon, bool zero_keys) {
+  std::string text = select_start_;
+  bool first = true;
+  for (const KeyColumn& key : keys_) {
+    const std::string value = zero_keys ? (key.text ? "''" : "0") : KeyLiteral(key.name, key.text);
+    text += (first ? "WHERE  A." : "       And A.") + key.name + " = " + value + "\r";
+    first = false;
+  }
+  if (semicolon) text += ";\r";
+  return text;
+}
+
+std::string RecordManager::InsertLines(const std::vector<std::string>& columns,
+                                       const std::vector<std::string>& values) const {
+  SqlLines sql;
+  sql << "INSERT INTO " + std::string(table_->name) + " (";
+  for (size_t i = 0; i < columns.size(); ++i) sql << "   " + columns[i] + (i + 1 < columns.size() ? "," : "");
+  sql << "   )"
+      << "Values (";
+  for (size_t i = 0; i < values.size(); ++i) sql << values[i] + (i + 1 < values.size() ? "," : ")");
+  return sql;
+}
+
+std::string RecordManager::ValueLiteral(std::string_view column) {
+  const schema::ColumnDef* definition = table_->FindColumn(column);
+  if (!definition) RaiseRuntimeError(kInvalidProcedureCall);
+  const Variant value = RecordObject().Get(column);
+  switch (definition->type) {
+    case schema::ColumnType::VarChar:
+    case schema::ColumnType::Char:
+      return VarCharToSql(CStr(value), static_cast<int16_t>(definition->size));
+    case schema::ColumnType::Money:
+      return MoneyToSql(CCur(value), 2);
+    case schema::ColumnType::DateTime:
+      return DateComHoraToSql(CDate(value), *Ob_cgpSistema());
+    case schema::ColumnType::Bit:
+      return BitToSql(CBool(value));
+    default:
+      return IntToSql(CLng(value));
+  }
+}
+
+void RecordManager::RunAccessControlProcedure(std::string_view procedure, std::string_view key_column,
+                                              std::string& Ds_Aviso) {
+  ds_sql_ = std::string(procedure);
+  Command command;
+  command.ActiveConnection(SessionConnection());
+  command.CommandText(ds_sql_);
+  command.CommandType(adCmdStoredProc);
+  Parameters& parameters = command.Parameters();
+  parameters.Append(command.CreateParameter("@Cd_EmpresaUsuariaSistema", adInteger, adParamInput, 0,
+                                            Variant(CLng(RecordObject().Get("Cd_EmpresaUsuariaSistema")))));
+  parameters.Append(command.CreateParameter("@" + std::string(key_column), adInteger, adParamInput, 0,
+                                            Variant(CLng(RecordObject().Get(key_column)))));
+  parameters.Append(command.CreateParameter("@No_Retorno", adInteger, adParamOutput));
+  parameters.Append(command.CreateParameter("@Ds_Erro", adVarChar, adParamOutput, 300));
+  parameters.Append(command.CreateParameter("@Ds_Aviso", adVarChar, adParamOutput, 5000));
+  command.Execute();
+  const Variant aviso = parameters.Item("@Ds_Aviso").Value();
+  Ds_Aviso = aviso.IsNull() || aviso.IsEmpty() ? std::string() : CStr(aviso);
+  const Variant retorno = parameters.Item("@No_Retorno").Value();
+  if (!retorno.IsNull() && !retorno.IsEmpty() && CLng(retorno) != 0) {
+    const Variant erro = parameters.Item("@Ds_Erro").Value();
+    throw VekError(kBusinessError, std::string(), erro.IsNull() || erro.IsEmpty() ? std::string() : CStr(erro));
+  }
 }
 
 void RecordManager::RequireQuotableValues() {
@@ -164,6 +255,7 @@ void RecordManager::Alterar(bool /*Ic_Salvando*/) {
     }
     pegarValorCamposSequencial(*this, *recordset);
     TransferirDadosDeCgpParaBd(RecordObject(), *recordset, Ob_cgpSistema().get());
+    AdjustUpdatedRow(*recordset);
     recordset->Update();
     recordset->Close();
   });
@@ -184,6 +276,11 @@ void RecordManager::Incluir() {
   Run("Incluir", [&] {
     RequireQuotableValues();
     NumberNewRecord();
+    if (std::string insert = InsertStatement(); !insert.empty()) {
+      ds_sql_ = std::move(insert);
+      ExecuteStatement();
+      return;
+    }
     ds_sql_ = EmptySelectStatement();
     auto recordset = OpenStatement();
     recordset->AddNew();

@@ -21,6 +21,10 @@
 #include "vek/schema/Catalogue.h"
 
 namespace vek {
+class Recordset;
+}
+
+namespace vek {
 
 class RecordManager : public DataManager {
  public:
@@ -52,6 +56,15 @@ class RecordManager : public DataManager {
   // Loads the record of the key into the property object (the shared part
   // of Consultar).
   void ConsultarRegistro(bool Ic_RestaurarDefaulSeNaoEcontrarRegistro);
+  // Opens ds_sql_ and loads its first row into the property object; with no
+  // row, resets it (restore) or raises 0x80040202 in the name of `member`.
+  // Returns whether a row came back.
+  bool LoadFirstRow(bool restore, std::string_view member);
+  // Opens ds_sql_ and tells whether it returns a row, loading nothing.
+  bool StatementHasRows();
+  // Opens ds_sql_ and returns the first column of its first row; Empty when
+  // no row comes back.
+  Variant FirstValue();
 
   // True when the key is not given: a numeric key column 0 or a text one empty.
   virtual bool KeyMissing();
@@ -67,6 +80,31 @@ class RecordManager : public DataManager {
   virtual std::string ConsultarStatement() { return SelectStatement(); }
   // The statement of Incluir: the table's columns and no row.
   virtual std::string EmptySelectStatement();
+  // A record that writes its own INSERT returns it here (Incluir then runs
+  // it instead of adding a row to the empty record set); empty otherwise.
+  virtual std::string InsertStatement() { return {}; }
+  // What Alterar stores differently from the generic copy, applied to the
+  // row after the copy and before it is written.
+  virtual void AdjustUpdatedRow(Recordset& /*row*/) {}
+
+  // "SELECT A.*" / "FROM   Tb A" / "WHERE  A.k1 = v1" / "       And A.k2 = v2"
+  // and, when `semicolon`, ";": the key look-up as most records of the car
+  // park write it; with zero_keys, every key 0 (the empty row set of Incluir).
+  std::string SelectByKey(bool semicolon, bool zero_keys = false);
+  // "INSERT INTO Tb (" / "   c1," ... "   cn" / "   )" / "Values (" / one
+  // value a line, each but the last followed by ",", the last by ")".
+  std::string InsertLines(const std::vector<std::string>& columns, const std::vector<std::string>& values) const;
+  // A column's value in Ob_cgp as the SQL literal of its type: whole numbers
+  // and bits in decimal, money with two decimals, texts between quotes (cut
+  // to the column's size), dates with their time in the session's format.
+  std::string ValueLiteral(std::string_view column);
+
+  // Runs one of the database procedures that push records into the
+  // access-control database: the company and the key column of Ob_cgp go in
+  // as "@Cd_EmpresaUsuariaSistema" and "@" + key_column; "@No_Retorno",
+  // "@Ds_Erro" (300) and "@Ds_Aviso" (5000) come out. Ds_Aviso gets the
+  // warning; a return other than 0 raises 0x80040458 with "@Ds_Erro".
+  void RunAccessControlProcedure(std::string_view procedure, std::string_view key_column, std::string& Ds_Aviso);
 
   // A key value as the statements write it: digits, or text between quotes
   // (refused when it holds an apostrophe).

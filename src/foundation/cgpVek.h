@@ -59,6 +59,20 @@ VEK_RECORD_PROPERTIES(cgpVeiculoEstacionamento, "TbVeiculoEstacionamento",
                       {"No_Frota", PropertyType::Long}, {"Cd_EmpresaOnibus", PropertyType::Long},
                       {"Cd_Cor", PropertyType::Long}, {"Cd_MarcaModelo", PropertyType::Long})
 
+// The car park: price bands, tickets and their charge lines, monthly clients
+// (read with the vacancies the gates count in use), agreements, cards,
+// categories, calendars and the access-control settings; restroom tickets.
+VEK_RECORD_PROPERTIES(cgpPrecoEstacionamento, "TbPrecoEstacionamento")
+VEK_RECORD_PROPERTIES(cgpTicketEstacionamento, "TbTicketEstacionamento")
+VEK_RECORD_PROPERTIES(cgpTicketEstacionamento_Tarifa, "TbTicketEstacionamento_TbTarifa")
+VEK_RECORD_PROPERTIES(cgpClienteEstacionament, "TbClienteEstacionamento", {"Qt_VagasEmUso", PropertyType::Long})
+VEK_RECORD_PROPERTIES(cgpConvenioEstacionamento, "TbConvenioEstacionamento")
+VEK_RECORD_PROPERTIES(cgpCartaoEstacionamento, "TbCartaoEstacionamento")
+VEK_RECORD_PROPERTIES(cgpCategoriaClienteEstacionament, "TbCategoriaClienteEstacionamento")
+VEK_RECORD_PROPERTIES(cgpCalendarioAcessoEstacionament, "TbCalendarioAcessoEstacionamento")
+VEK_RECORD_PROPERTIES(cgpParametrosMadis, "TbParametrosMadis")
+VEK_RECORD_PROPERTIES(cgpTicketSanitario, "TbTicketSanitario")
+
 #undef VEK_RECORD_PROPERTIES
 
 }  // namespace vek

@@ -66,6 +66,25 @@ class cgdEmpresaUsuariaSistema : public cgdRecord<cgpEmpresaUsuariaSistema> {
   // refused before any SQL.
   bool ExisteBancoDeDados(const std::string& Nm_BancoDeDados);
 
+  // Every vehicle in the company's yard, oldest entry first, as Ds_Ticket
+  // (a label), Dt_Entrada and Ic_Mensalista: the pending tickets with a
+  // plate and, when the access-control database exists, the loose tickets
+  // the gates let in that have no ticket row ('***' after the code) and the
+  // monthly cards whose latest passage is an entry. A company of 0 is
+  // 0x80040201.
+  std::shared_ptr<Recordset> rsVeiculoNoPatio();
+  // Every company's monthly passages at the gates not yet turned into
+  // tickets, with the card's client, in log order.
+  std::shared_ptr<Recordset> rsEntradaMensalistaMadisNaoProcessada();
+  // Housekeeping, four statements each on its own (no transaction): loose
+  // tickets older than 90 days leave the gates; the entry passages of cards
+  // still inside go from the log, and pending tickets that have an exit are
+  // closed, both for company 1 only, as they always have; pending tickets
+  // of the company older than 90 days are deleted (DATEDIFF in days: 90
+  // stays, 91 goes). A failure raises 0x80040458 "Erro na exclusão das
+  // entradas antigas do estacionamento"; what already ran stays done.
+  void ApagarEntradasAntigasDoEstacionamento();
+
  protected:
   std::string ConsultarStatement() override;
 };

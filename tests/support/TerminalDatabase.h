@@ -50,6 +50,11 @@ inline std::string NameInMessage(std::string_view name) {
     }                                                  \
   } while (0)
 
+struct TerminalDatabase;
+// Removes the access-control database MDESTACIONAMENTO (an attached file on
+// SQLite, a schema on PostgreSQL), for the tests of a terminal without it.
+inline void DropAccessControlDatabase(TerminalDatabase& db);
+
 struct TerminalDatabase {
   TerminalDatabase() : session(std::make_shared<cgpSistema>()),
                        clock(std::make_shared<FixedClock>(DateSerial(2026, 11, 21) + TimeSerial(10, 30, 0))) {
@@ -89,5 +94,10 @@ struct TerminalDatabase {
   std::shared_ptr<Connection> connection;
   std::vector<std::string> statements;
 };
+
+inline void DropAccessControlDatabase(TerminalDatabase& db) {
+  db.connection->ExecuteNative(OnPostgres() ? "DROP SCHEMA mdestacionamento CASCADE" : "DETACH DATABASE MDESTACIONAMENTO");
+  db.statements.pop_back();
+}
 
 }  // namespace vek::testing
