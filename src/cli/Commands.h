@@ -15,6 +15,7 @@ void AddInitCommand(CLI::App& app);
 void AddDemoCommand(CLI::App& app);
 void AddBoardCommand(CLI::App& app);
 void AddTimetableCommand(CLI::App& app);
+void AddYardCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -53,5 +54,11 @@ struct DemoOptions {
 // for a desktop program started there. Raises 0x80040458 when the folder
 // holds a terminal the demo did not make, and whatever a step raises.
 void RunDemo(const std::filesystem::path& folder, const DemoOptions& options, std::ostream& out);
+
+// vek yard's work: opens the terminal of `folder` as its programs do (its
+// Vek.ini, then the database it names) and prints the vehicles in the yard
+// of the operating company Vek.ini names, oldest entry first. Raises
+// 0x80040458 when the folder has no Vek.ini.
+void PrintYard(const std::filesystem::path& folder, std::ostream& out);
 
 }  // namespace vek::cli

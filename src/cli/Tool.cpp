@@ -34,6 +34,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddDemoCommand(app);
   AddBoardCommand(app);
   AddTimetableCommand(app);
+  AddYardCommand(app);
 
   const bool redirect = &out != &std::cout;
   try {

@@ -101,8 +101,11 @@ TEST_F(DemoCommandTest, TheDatabaseHoldsWhatTheDayRegistered) {
     EXPECT_EQ(DesCripto(stored), password) << login;
   }
 
-  // One tariff of each of the four revenue types, prices as set.
-  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTarifa WHERE Cd_EmpresaUsuariaSistema = " + company), "4");
+  // One tariff of each of the four revenue types, prices as set (and the
+  // car park's bands and monthly fee add four parking tariffs).
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTarifa WHERE Cd_EmpresaUsuariaSistema = " + company +
+                                " AND Cd_TipoReceita <> 2"),
+            "3");
   EXPECT_EQ(FirstValue(*db, "SELECT COUNT(DISTINCT Cd_TipoReceita) FROM TbTarifa"), "4");
   EXPECT_EQ(FirstValue(*db, "SELECT CAST(T.Vl_Tarifa * 100 AS INTEGER) FROM TbTarifa T JOIN TbTipoReceita R ON R.Cd_TipoReceita = "
                             "T.Cd_TipoReceita WHERE R.Nm_TipoReceita = 'EMBARQUE'"),
@@ -195,6 +198,35 @@ TEST_F(DemoCommandTest, WithNowTheDayRunsOnTheSystemClock) {
   EXPECT_TRUE(text.find("A day at the terminal, " + day_before) != std::string::npos ||
               text.find("A day at the terminal, " + day_after) != std::string::npos)
       << text;
+}
+
+TEST_F(DemoCommandTest, TheCarParksDayLeavesEveryExitWithItsChargeLinesAndEveryPassageProcessed) {
+  Demo(folder_);
+  auto db = OpenDatabase(folder_);
+  // Every closed ticket that was charged has charge lines adding up to its value.
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTicketEstacionamento T WHERE T.No_Situacao = 2 AND T.Vl_Tarifa > 0"),
+            "3");
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTicketEstacionamento T WHERE T.No_Situacao = 2 AND T.Vl_Tarifa > 0 "
+                            "AND T.Vl_Tarifa <> (SELECT SUM(L.Qt_Unidade * L.Vl_Tarifa) FROM "
+                            "TbTicketEstacionamento_TbTarifa L WHERE L.Cd_TicketEstacionamento = "
+                            "T.Cd_TicketEstacionamento)"),
+            "0");
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTicketEstacionamento WHERE No_Situacao = 2 AND Cd_Caixa IS NULL "
+                            "AND Ic_Mensalista = 0 AND Ic_TicketRevalidado = 0 AND Vl_Tarifa > 0"),
+            "0");
+  // The card entered twice without an exit: its first entry was closed at no charge.
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTicketEstacionamento WHERE Ic_Mensalista = 1 AND No_Situacao = 2 "
+                            "AND Dt_Saida = Dt_Entrada"),
+            "1");
+  // Every passage of the gates' log points at a ticket; the old entries are gone.
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA WHERE Cd_TicketEstacionamento IS NULL"),
+            "0");
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTicketEstacionamento WHERE Cd_Placa = 'OLD0A00'"), "0");
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM MDESTACIONAMENTO.dbo.CARTOESAVULSOS WHERE CODIGOCARTAO = '2511220000001'"), "0");
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM MDESTACIONAMENTO.dbo.CLIENTECARTAO"), "2");
+  // The turnstile's sales carry the server's time of the day, not the record's.
+  EXPECT_EQ(FirstValue(*db, "SELECT SUM(Qt_Unidade) FROM TbTicketSanitario"), "7");
+  EXPECT_EQ(FirstValue(*db, "SELECT COUNT(*) FROM TbTicketSanitario WHERE Dt_Entrada LIKE '2026-03-02 %'"), "4");
 }
 
 }  // namespace

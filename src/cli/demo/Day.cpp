@@ -9,6 +9,7 @@ std::vector<DayStep> DaySteps() {
   const std::vector<std::vector<DayStep> (*)()> parts = {
       RegistryDay,
       BusDay,
+      ParkingDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

@@ -64,6 +64,7 @@ struct DayStep {
 // The parts of the day, each from its own file.
 std::vector<DayStep> RegistryDay();
 std::vector<DayStep> BusDay();
+std::vector<DayStep> ParkingDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
