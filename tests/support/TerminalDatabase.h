@@ -56,7 +56,9 @@ struct TerminalDatabase;
 inline void DropAccessControlDatabase(TerminalDatabase& db);
 
 struct TerminalDatabase {
-  TerminalDatabase() : session(std::make_shared<cgpSistema>()),
+  // On SQLite the database lives in memory, or in `sqlite_file` when given
+  // (for tests that open it from another process too).
+  explicit TerminalDatabase(const std::string& sqlite_file = ":memory:") : session(std::make_shared<cgpSistema>()),
                        clock(std::make_shared<FixedClock>(DateSerial(2026, 11, 21) + TimeSerial(10, 30, 0))) {
     session->Let("Ds_FormatoData", Variant("yyyy-mm-dd"));
     if (OnPostgres()) {
@@ -71,12 +73,18 @@ struct TerminalDatabase {
       throw std::runtime_error("VEK_TEST_ENGINE=postgresql needs libpq");
 #endif
     } else {
-      session->Let("Ds_CaminhoDB", Variant(":memory:"));
+      session->Let("Ds_CaminhoDB", Variant(sqlite_file));
     }
     session->SetClock(clock);
     connection = session->AbrirConexao();
     schema::CreateDatabase(*connection);
     connection->OnStatement([this](const std::string& text) { statements.push_back(text); });
+  }
+
+  // What another program needs to open the same database: Cd_DB,
+  // Nm_ServidorDB and Ds_CaminhoDB of the session.
+  std::vector<std::string> SessionArguments() const {
+    return {CStr(session->Get("Cd_DB")), CStr(session->Get("Nm_ServidorDB")), CStr(session->Get("Ds_CaminhoDB"))};
   }
 
   // Runs a statement of the test's own, outside the recorded ones.
