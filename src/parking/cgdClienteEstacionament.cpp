@@ -82,7 +82,7 @@ std::shared_ptr<Recordset> cgdClienteEstacionament::EntradasMadisRs(int32_t Cd_C
               << "         And MDESTACIONAMENTO.DBO.LOGPERMANENCIAMENSALISTA.IDCARTAO = " +
                      std::to_string(Cd_CartaoEstacionamento)
               << "ORDER BY MDESTACIONAMENTO.DBO.LOGPERMANENCIAMENSALISTA.DATAHORAPASSAGEM DESC";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 
@@ -105,7 +105,7 @@ std::shared_ptr<Recordset> cgdClienteEstacionament::CartaoEstacionamentoRs() {
                          << "         And TbCartaoEstacionamento.Cd_ClienteEstacionamento = " +
                                 KeyLiteral("Cd_ClienteEstacionamento")
                          << "ORDER BY Cd_CartaoEstacionamento";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 

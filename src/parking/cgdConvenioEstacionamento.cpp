@@ -24,7 +24,7 @@ uint8_t cgdConvenioEstacionamento::VagasUtilizadas() {
 std::shared_ptr<Recordset> cgdConvenioEstacionamento::rsVagasUtilizadas() {
   return Run("rsVagasUtilizadas", [&] {
     ds_sql_ = "SELECT TbTicketEstacionamento.*\r" + InUseFilter();
-    return OpenStatement();
+    return OpenReport();
   });
 }
 
@@ -38,7 +38,7 @@ std::shared_ptr<Recordset> cgdConvenioEstacionamento::rsVagasUtilizadasEmDetermi
                          << "       And (TbTicketEstacionamento.Dt_Saida > '" +
                                 Format(Variant(Hr_Referencia), "dd/mm/yyyy hh:Nn:ss") + "'"
                          << "            Or TbTicketEstacionamento.Dt_Saida  IS NULL)";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 

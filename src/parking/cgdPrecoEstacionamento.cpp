@@ -25,7 +25,7 @@ std::shared_ptr<Recordset> cgdPrecoEstacionamento::rsPrecosEstacionamento() {
                          << "                    And A.Cd_Tarifa = b.Cd_Tarifa"
                          << "WHERE    A.Cd_EmpresaUsuariaSistema = " + KeyLiteral("Cd_EmpresaUsuariaSistema")
                          << "ORDER BY A.Qt_TempoFinal";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 
@@ -45,7 +45,7 @@ std::shared_ptr<Recordset> cgdPrecoEstacionamento::rsObterTarifaAplicavelAoTempo
                      " Between TbPrecoEstacionamento.Qt_TempoInicial  And TbPrecoEstacionamento.Qt_TempoFinal"
               << "              Or TbPrecoEstacionamento.Qt_TempoFinal <= " + minutes + ")"
               << "ORDER BY TbPrecoEstacionamento.Qt_TempoFinal Desc";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 

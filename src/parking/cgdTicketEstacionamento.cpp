@@ -107,7 +107,7 @@ std::shared_ptr<Recordset> cgdTicketEstacionamento::rsTarifas() {
                          << "WHERE    A.Cd_EmpresaUsuariaSistema = " + KeyLiteral("Cd_EmpresaUsuariaSistema")
                          << "         And A.Cd_TicketEstacionamento = " + KeyLiteral("Cd_TicketEstacionamento")
                          << "ORDER BY A.Vl_Tarifa Desc";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 

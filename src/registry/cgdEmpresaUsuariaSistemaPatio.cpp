@@ -76,7 +76,7 @@ std::shared_ptr<Recordset> cgdEmpresaUsuariaSistema::rsVeiculoNoPatio() {
     }
     sql << "ORDER BY 2";
     ds_sql_ = sql;
-    return OpenStatement();
+    return OpenReport();
   });
 }
 
@@ -92,7 +92,7 @@ std::shared_ptr<Recordset> cgdEmpresaUsuariaSistema::rsEntradaMensalistaMadisNao
                             "MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDCARTAO"
                          << "WHERE    Cd_TicketEstacionamento IS NULL"
                          << "ORDER BY MDESTACIONAMENTO.dbo.LOGPERMANENCIAMENSALISTA.IDLOGPERMANENCIA";
-    return OpenStatement();
+    return OpenReport();
   });
 }
 
