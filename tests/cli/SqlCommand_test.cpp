@@ -55,5 +55,22 @@ TEST(SqlCommandTest, AStatementRunsOnATerminalsDatabase) {
   EXPECT_NE(run.out.find("Nm_TipoReceita\nEMBARQUE\n(1 row)"), std::string::npos) << run.out;
 }
 
+TEST(SqlCommandTest, OnATerminalFolderItShowsWhatRunsAndTheTypesOfTheColumns) {
+  testing::ScratchFolder scratch;
+  std::ostringstream made;
+  cli::InitTerminalFolder(scratch.Path(), false, made);
+  const ToolRun run = RunTool({"sql", "--types", "--run", scratch.Path().string(),
+                               "SELECT CONVERT(money, 10) / 3 AS Terco, '1' + 1 AS Dois, "
+                               "CONVERT(varchar, CONVERT(money, 10) / 3) AS Texto"});
+  EXPECT_EQ(run.code, 0) << run.err;
+  EXPECT_NE(run.out.find("vek_money("), std::string::npos) << run.out;  // the text the connection runs
+  EXPECT_NE(run.out.find("Terco\tDois\tTexto\nadCurrency\tadInteger\tadVarChar\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("\t2\t3.33\n(1 row)"), std::string::npos) << run.out;
+
+  const ToolRun postgres = RunTool({"sql", "--dialect", "postgresql", "SELECT CONVERT(money, 10) / 3"});
+  EXPECT_EQ(postgres.code, 0) << postgres.err;
+  EXPECT_NE(postgres.out.find("AS numeric(19,4))"), std::string::npos) << postgres.out;
+}
+
 }  // namespace
 }  // namespace vek
