@@ -12,6 +12,13 @@ constexpr std::string_view kWeekdayFlags[] = {"Ic_ViagemNoDomingo", "Ic_ViagemNa
                                               "Ic_ViagemNaQuarta",  "Ic_ViagemNaQuinta",  "Ic_ViagemNaSexta",
                                               "Ic_ViagemNoSabado"};
 
+// The board shows trips expected up to the viewer's look-ahead from now.
+std::string BoardLimit(const cgpSistema& session) {
+  const Date limit =
+      DateAdd("n", CLng(session.Get("Qt_TempoAntecedenciaMostrarViagensVisualizador")), session.Now());
+  return Format(Variant(limit), CStr(session.Get("Ds_FormatoData")) + " hh:NN");
+}
+
 // The board's two queries differ in the flag that puts a trip on it.
 std::string BoardStatement(int32_t rows, const std::string& tenant, const std::string& limit,
                            std::string_view flag_line) {
@@ -93,11 +100,7 @@ std::shared_ptr<Recordset> cgdEmpresaUsuariaSistema::rsOnibus() {
 
 std::shared_ptr<Recordset> cgdEmpresaUsuariaSistema::rsUltimasChegadas(int32_t Qt_Linhas) {
   return Run("rsRecebimentoDeMensalistas", [&] {
-    const cgpSistema& session = *Ob_cgpSistema();
-    const Date limit =
-        DateAdd("n", CLng(session.Get("Qt_TempoAntecedenciaMostrarViagensVisualizador")), session.Now());
-    ds_sql_ = BoardStatement(Qt_Linhas, KeyLiteral("Cd_EmpresaUsuariaSistema"),
-                             Format(Variant(limit), CStr(session.Get("Ds_FormatoData")) + " hh:NN"),
+    ds_sql_ = BoardStatement(Qt_Linhas, KeyLiteral("Cd_EmpresaUsuariaSistema"), BoardLimit(*Ob_cgpSistema()),
                              "And B.Ic_TemDesembarque <> 0");
     return OpenReport();
   });
@@ -105,11 +108,7 @@ std::shared_ptr<Recordset> cgdEmpresaUsuariaSistema::rsUltimasChegadas(int32_t Q
 
 std::shared_ptr<Recordset> cgdEmpresaUsuariaSistema::rsUltimasPartidas(int32_t Qt_Linhas) {
   return Run("rsRecebimentoDeMensalistas", [&] {
-    const cgpSistema& session = *Ob_cgpSistema();
-    const Date limit =
-        DateAdd("n", CLng(session.Get("Qt_TempoAntecedenciaMostrarViagensVisualizador")), session.Now());
-    ds_sql_ = BoardStatement(Qt_Linhas, KeyLiteral("Cd_EmpresaUsuariaSistema"),
-                             Format(Variant(limit), CStr(session.Get("Ds_FormatoData")) + " hh:NN"),
+    ds_sql_ = BoardStatement(Qt_Linhas, KeyLiteral("Cd_EmpresaUsuariaSistema"), BoardLimit(*Ob_cgpSistema()),
                              "And B.Ic_TemEmbarques <> 0");
     return OpenReport();
   });
