@@ -24,6 +24,7 @@
 #include "vek/foundation/ListLoader.h"
 #include "vek/foundation/MessageCatalogue.h"
 #include "vek/foundation/RecordManager.h"
+#include "vek/foundation/ReportDatabase.h"
 #include "vek/foundation/Sequences.h"
 #include "vek/foundation/SessionSettings.h"
 #include "vek/foundation/SqlLiterals.h"
@@ -93,3 +94,4 @@
 #include "vek/schema/Catalogue.h"
 #include "vek/schema/CreateDatabase.h"
 #include "vek/schema/Ddl.h"
+#include "vek/schema/ReportDatabase.h"

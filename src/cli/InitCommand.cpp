@@ -20,6 +20,7 @@
 #include "vek/platform/ProfileFile.h"
 #include "vek/platform/Text.h"
 #include "vek/schema/CreateDatabase.h"
+#include "vek/schema/ReportDatabase.h"
 
 namespace vek::cli {
 namespace {
@@ -30,6 +31,7 @@ constexpr std::string_view kSettingsFile = "Vek.ini";
 constexpr std::string_view kDatabaseFile = "Vek.db";
 constexpr std::string_view kAccessControlFile = "MDESTACIONAMENTO.db";
 constexpr std::string_view kTemplatesFolder = "Modelos";
+constexpr std::string_view kReportDatabaseTemplate = "bdTemp.db";
 
 struct InitOptions {
   std::string folder = ".";
@@ -161,6 +163,12 @@ void MakeTemplatesFolder(const fs::path& folder, std::ostream& out) {
   const bool templates_existed = fs::is_directory(templates);
   fs::create_directories(templates);
   out << "folder    " << templates.string() << (templates_existed ? " (already there)" : "")
+      << "\n";
+  // A template the installation has changed is kept.
+  const fs::path report_database = templates / kReportDatabaseTemplate;
+  const bool report_database_existed = fs::exists(report_database);
+  if (!report_database_existed) schema::WriteReportDatabaseTemplate(report_database);
+  out << "template  " << report_database.string() << (report_database_existed ? " (already there)" : "")
       << "\n";
 }
 

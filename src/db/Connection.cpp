@@ -7,6 +7,7 @@
 #include "vek/db/DbError.h"
 #include "vek/db/Recordset.h"
 #include "vek/db/StatementShape.h"
+#include "vek/db/dialect/AccessTranslator.h"
 #include "vek/db/dialect/PostgresTranslator.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/db/dialect/Statements.h"
@@ -34,6 +35,7 @@ dialect::Translation TranslateFor(Dialect dialect, std::string_view text, const 
   switch (dialect) {
     case Dialect::SQLite: return dialect::TranslateToSqlite(text, kinds);
     case Dialect::PostgreSQL: return dialect::TranslateToPostgres(text, kinds);
+    case Dialect::Access: return dialect::TranslateAccessToSqlite(text, kinds);
     case Dialect::SqlServer: break;
   }
   return {std::string(text), {}};  // SQL Server text passes as it is, typed by the server
@@ -180,8 +182,9 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
   NotifyStatement(text);
   const Dialect dialect = driver.SqlDialect();
   if (dialect == Dialect::PostgreSQL) TellServerTheTime(driver);
-  // SQL Server's own text is not shaped: bound, its literals would change type.
-  if (translate && parameters.empty() && dialect != Dialect::SqlServer) {
+  // SQL Server's own text is not shaped: bound, its literals would change
+  // type; nor is Jet's, whose "#" dates the shape would not see.
+  if (translate && parameters.empty() && dialect != Dialect::SqlServer && dialect != Dialect::Access) {
     const auto run_shaped = [&driver](const ShapeEntry& entry, std::vector<Variant>& found) {
       if (entry.in_order) return driver.RunTyped(entry.text, found, &entry.types);
       std::vector<Variant> literals;

@@ -100,6 +100,7 @@ std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::fu
   const auto parts = ParseConnectionString(connection_string);
   const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));
   const std::string database = FirstOf(parts, {"database", "data source", "dbq"});
+  if (driver.starts_with("microsoft.jet.oledb")) return OpenReportDatabaseDriver(database, std::move(now));
   // A data source name, or any driver but SQLite's, is reached through ODBC.
   const bool odbc = driver.empty() ? parts.contains("dsn") : driver.find("sqlite") == std::string::npos;
   if (odbc) return OpenOdbcDriver(connection_string, std::move(now));

@@ -37,6 +37,7 @@ enum CommandTypeEnum : int32_t {
   adCmdTable = 2,
   adCmdStoredProc = 4,
   adCmdUnknown = 8,
+  adCmdTableDirect = 512,
 };
 
 enum ExecuteOptionEnum : int32_t {
@@ -79,7 +80,8 @@ enum DataTypeEnum : int32_t {
 };
 
 // The SQL dialect a connection speaks natively; statements are always built in
-// SQL Server's and translated for the others.
-enum class Dialect { SqlServer, SQLite, PostgreSQL };
+// SQL Server's and translated for the others. Access is the Jet SQL of the
+// report database (bdTemp), a SQLite file underneath.
+enum class Dialect { SqlServer, SQLite, PostgreSQL, Access };
 
 }  // namespace vek

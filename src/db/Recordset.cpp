@@ -44,9 +44,10 @@ Variant ConvertForField(const Variant& value, DataTypeEnum type) {
 }  // namespace
 
 void Recordset::Open(const std::string& source, std::shared_ptr<Connection> connection,
-                     CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t /*options*/) {
+                     CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options) {
   if (open_) RaiseAdoError(adErrObjectOpen, kObject);
   if (!source.empty()) source_ = source;
+  table_ = options == adCmdTable || options == adCmdTableDirect;
   if (connection) connection_ = std::move(connection);
   if (cursor_type != adOpenUnspecified) cursor_type_ = cursor_type;
   if (lock_type != adLockUnspecified) lock_type_ = lock_type;
@@ -58,7 +59,8 @@ void Recordset::Open() {
   if (!connection_ || connection_->State() != adStateOpen) {
     RaiseAdoError(adErrObjectClosed, kObject);
   }
-  QueryResult result = connection_->RunStatement(source_);
+  // A table is opened whole, as the provider reads it for appending.
+  QueryResult result = connection_->RunStatement(table_ ? "SELECT * FROM " + source_ : source_);
   if (!result.returns_rows) {
     // Text that returns no rows leaves the record set closed, as before.
     return;

@@ -25,8 +25,9 @@ class Recordset {
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
 
-  // Opens `source` (SQL text) on `connection`; unspecified cursor and lock
-  // types keep the values set before (forward-only and read-only by default).
+  // Opens `source` (SQL text, or a table's name with the option adCmdTable
+  // or adCmdTableDirect) on `connection`; unspecified cursor and lock types
+  // keep the values set before (forward-only and read-only by default).
   // Raises 3705 when already open.
   void Open(const std::string& source, std::shared_ptr<Connection> connection,
             CursorTypeEnum cursor_type = adOpenUnspecified,
@@ -88,6 +89,7 @@ class Recordset {
 
   std::shared_ptr<Connection> connection_;
   std::string source_;
+  bool table_ = false;  // source_ names a table (adCmdTable)
   CursorTypeEnum cursor_type_ = adOpenForwardOnly;
   LockTypeEnum lock_type_ = adLockReadOnly;
   CursorLocationEnum cursor_location_ = adUseServer;

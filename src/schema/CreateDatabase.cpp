@@ -42,6 +42,8 @@ void CreateDatabase(Connection& connection) {
       return;
     case Dialect::SqlServer:
       RaiseDbError(adErrFeatureNotAvailable, "vek", "The database can't be created on SQL Server from here.");
+    case Dialect::Access:
+      RaiseDbError(adErrFeatureNotAvailable, "vek", "The terminal's database is not made in a report database.");
   }
 }
 

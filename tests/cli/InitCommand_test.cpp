@@ -40,11 +40,15 @@ TEST_F(InitCommandTest, MakesAFolderWhoseSettingsLoadAndWhoseDatabasesHaveTheirR
 
   const fs::path folder = fs::canonical(target);
   EXPECT_EQ(folder, fs::canonical(scratch_) / "Rodoviária" / "Goiânia");
-  EXPECT_EQ(out.str(), "folder    " + folder.string() + "\n" +
+  const std::string made = "folder    " + folder.string() + "\n" +
                            "settings  " + (folder / "Vek.ini").string() + "\n" +
                            "database  " + (folder / "Vek.db").string() + "\n" +
                            "database  " + (folder / "MDESTACIONAMENTO.db").string() + "\n" +
-                           "folder    " + (folder / "Modelos").string() + "\n");
+                           "folder    " + (folder / "Modelos").string() + "\n";
+  EXPECT_EQ(out.str().substr(0, made.size()), made);
+  // Then one line per template of the Modelos folder.
+  EXPECT_NE(out.str().find("template  " + (folder / "Modelos" / "bdTemp.db").string() + "\n", made.size()),
+            std::string::npos) << out.str();
   EXPECT_TRUE(fs::is_directory(folder / "Modelos"));
   EXPECT_TRUE(fs::is_regular_file(folder / "MDESTACIONAMENTO.db"));
   // Vek.ini holds the database password: its owner alone reads it.

@@ -191,10 +191,11 @@ DataTypeEnum TypeOfValue(const Variant& value) {
 
 class SqliteDriver final : public Driver {
  public:
-  SqliteDriver(DatabaseHandle db, std::function<Date()> now) : db_(std::move(db)), now_(std::move(now)) {}
+  SqliteDriver(DatabaseHandle db, std::function<Date()> now, Dialect dialect = Dialect::SQLite)
+      : db_(std::move(db)), now_(std::move(now)), dialect_(dialect) {}
   ~SqliteDriver() override { Close(); }
 
-  Dialect SqlDialect() const override { return Dialect::SQLite; }
+  Dialect SqlDialect() const override { return dialect_; }
 
   QueryResult RunTyped(const std::string& text, std::span<const Variant> parameters,
                        const dialect::ResultTypes* types) override {
@@ -487,6 +488,7 @@ class SqliteDriver final : public Driver {
 
   DatabaseHandle db_;
   std::function<Date()> now_;
+  Dialect dialect_;
   std::unordered_map<std::string, CachedStatement> statements_;
   std::list<std::string> lru_;
   CachedStatement* last_ = nullptr;  // the front of lru_, or nullptr
@@ -530,6 +532,32 @@ std::unique_ptr<Driver> OpenSqliteDriver(const std::string& path, std::function<
     }
   }
   return std::make_unique<SqliteDriver>(std::move(db), std::move(now));
+}
+
+std::string ReportDatabaseFile(std::string_view data_source) {
+  std::string path = Replace(std::string(data_source), "\\", "/");
+  if (path.size() >= 4 && EqualsIgnoreCase(std::string_view(path).substr(path.size() - 4), ".mdb")) {
+    path.replace(path.size() - 4, 4, ".db");
+  }
+  return path;
+}
+
+std::unique_ptr<Driver> OpenReportDatabaseDriver(const std::string& data_source, std::function<Date()> now) {
+  const std::string path = ReportDatabaseFile(data_source);
+  std::error_code missing;
+  if (path.empty() || !std::filesystem::is_regular_file(path, missing)) {
+    RaiseDbError(adErrUnspecified, "Microsoft JET Database Engine", "Could not find file '" + path + "'.");
+  }
+  sqlite3* raw = nullptr;
+  // An existing file only, and no journal left beside it: the report writer
+  // reads the file alone once the work tables are filled.
+  const int code = sqlite3_open_v2(path.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  DatabaseHandle db(raw);
+  if (code != SQLITE_OK) RaiseSqliteError(db.get(), code);
+  sqlite3_extended_result_codes(db.get(), 1);
+  sqlite3_busy_timeout(db.get(), kBusyTimeoutMs);
+  dialect::RegisterSqlServerFunctions(db.get(), now);
+  return std::make_unique<SqliteDriver>(std::move(db), std::move(now), Dialect::Access);
 }
 
 }  // namespace vek
