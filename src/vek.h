@@ -87,6 +87,7 @@
 #include "vek/registry/cgdUFs.h"
 #include "vek/registry/cgdUsuario.h"
 #include "vek/registry/cgdUsuarios.h"
+#include "vek/revenue/cgdCaixa.h"
 #include "vek/revenue/cgdTarifa.h"
 #include "vek/revenue/cgdTarifas.h"
 #include "vek/revenue/cgdTipoReceita.h"

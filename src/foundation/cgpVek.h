@@ -51,6 +51,11 @@ VEK_RECORD_PROPERTIES(cgpAgendaSom, "TbAgendaSom")
 VEK_RECORD_PROPERTIES(cgpTipoReceita, "TbTipoReceita")
 VEK_RECORD_PROPERTIES(cgpTarifa, "TbTarifa")
 
+// Tills. Ic_ConsultarPorAbertura chooses how Consultar finds the till: false
+// (the default) by company and Cd_Caixa, true by company, Cd_Usuario,
+// Dt_Abertura and No_Sequencial.
+VEK_RECORD_PROPERTIES(cgpCaixa, "TbCaixa", {"Ic_ConsultarPorAbertura", PropertyType::Boolean})
+
 // Vehicles. A company's parking vehicle is read together with the vehicle.
 VEK_RECORD_PROPERTIES(cgpCor, "TbCor")
 VEK_RECORD_PROPERTIES(cgpMarcaModelo, "TbMarcaModelo")
