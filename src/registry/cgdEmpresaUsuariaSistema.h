@@ -85,8 +85,35 @@ class cgdEmpresaUsuariaSistema : public cgdRecord<cgpEmpresaUsuariaSistema> {
   // entradas antigas do estacionamento"; what already ran stays done.
   void ApagarEntradasAntigasDoEstacionamento();
 
+  // ---- what a till took (cgdEmpresaUsuariaSistemaCaixa.cpp) ----
+  // Report record sets of the company's tills; a ticket or sale of another
+  // company under the same till number is never listed.
+
+  // The parking tickets that left (No_Situacao 2) through the till, with the
+  // vehicle's make and model and colour where the plate is known, by exit.
+  std::shared_ptr<Recordset> rsSaidasCaixa(int32_t Cd_Caixa);
+  // The tickets that left from 00:00:00 of Dt_Inicial to 23:59:59 of
+  // Dt_Final (session date format), any till, by exit; Cd_Placa is '' when
+  // the ticket has no plate.
+  std::shared_ptr<Recordset> rsSaidasPeriodo(Date Dt_Inicial, Date Dt_Final);
+  // Per tariff and unit value: the units the till took, parking
+  // ("ESTACIONAMENTO", through the exits' tickets) and restroom
+  // ("SANITARIO") in one UNION, by tariff.
+  std::shared_ptr<Recordset> rsSaidasCaixaAgrupadoPorTarifa(int32_t Cd_Caixa);
+  // The monthly-client payments taken by the till (assessments with
+  // Ic_TotalizacaoDeCaixa 0), with the payer's name.
+  std::shared_ptr<Recordset> rsRecebimentoDeMensalistas(int32_t Cd_Caixa);
+  // The till's own totalling assessments (Ic_TotalizacaoDeCaixa 1).
+  std::shared_ptr<Recordset> rsApuracaoReceitaCaixa(int32_t Cd_Caixa);
+  // The restroom sales of the till, with the tariff's description.
+  std::shared_ptr<Recordset> rsRecebimentoSanitario(int32_t Cd_Caixa);
+
  protected:
   std::string ConsultarStatement() override;
+
+ private:
+  // The till's cash assessments with their payer, ending with `flag_line`.
+  std::string CashAssessmentsStatement(int32_t Cd_Caixa, const char* flag_line);
 };
 
 }  // namespace vek
