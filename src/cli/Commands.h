@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <ostream>
@@ -16,6 +17,7 @@ void AddDemoCommand(CLI::App& app);
 void AddBoardCommand(CLI::App& app);
 void AddTimetableCommand(CLI::App& app);
 void AddYardCommand(CLI::App& app);
+void AddReportCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -60,5 +62,11 @@ void RunDemo(const std::filesystem::path& folder, const DemoOptions& options, st
 // of the operating company Vek.ini names, oldest entry first. Raises
 // 0x80040458 when the folder has no Vek.ini.
 void PrintYard(const std::filesystem::path& folder, std::ostream& out);
+
+// vek report till's work: opens the terminal of `folder` as its programs do
+// and prints till `till` of the operating company Vek.ini names (see
+// PrintTill). Raises 0x80040458 when the folder has no Vek.ini, Vek.ini
+// names no company, or the company has no such till.
+void PrintTillReport(const std::filesystem::path& folder, int32_t till, std::ostream& out);
 
 }  // namespace vek::cli

@@ -35,6 +35,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddBoardCommand(app);
   AddTimetableCommand(app);
   AddYardCommand(app);
+  AddReportCommand(app);
 
   const bool redirect = &out != &std::cout;
   try {
