@@ -9,7 +9,9 @@ std::vector<DayStep> DaySteps() {
   const std::vector<std::vector<DayStep> (*)()> parts = {
       RegistryDay,
       BusDay,
+      TillOpeningDay,
       ParkingDay,
+      TillReportsDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

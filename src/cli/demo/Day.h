@@ -30,6 +30,7 @@ struct DayFacts {
   std::map<std::string, int32_t> colours;       // Nm_Cor -> Cd_Cor
   std::map<std::string, int32_t> models;        // Ds_MarcaModelo -> Cd_MarcaModelo
   std::vector<std::string> plates;              // the car park's vehicles
+  int32_t till = 0;                             // Cd_Caixa of the cashier's till of the day
 };
 
 // What every step works with: the session opened from the folder's Vek.ini
@@ -65,6 +66,8 @@ struct DayStep {
 std::vector<DayStep> RegistryDay();
 std::vector<DayStep> BusDay();
 std::vector<DayStep> ParkingDay();
+std::vector<DayStep> TillOpeningDay();
+std::vector<DayStep> TillReportsDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();

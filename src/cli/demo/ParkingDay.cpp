@@ -21,9 +21,6 @@ namespace {
 using Align = TextTable::Align;
 using Values = std::initializer_list<std::pair<std::string_view, Variant>>;
 
-// The cashier's till of the day, under which exits and sales are paid.
-constexpr int32_t kTill = 1;
-
 template <class Manager>
 auto Save(const DayContext& day, Values values) {
   auto manager = day.Use<Manager>();
@@ -82,7 +79,7 @@ void CloseTicket(const DayContext& day, cgdTicketEstacionamento& ticket, int32_t
   record->Let("Dt_Saida", day.session->Now());
   record->Let("Qt_TempoPermanenciaMinutos", minutes);
   record->Let("Vl_Tarifa", charge.value);
-  record->Let("Cd_Caixa", kTill);
+  record->Let("Cd_Caixa", day.facts.till);
   record->Let("No_Situacao", 2);
   ticket.Alterar();
 }
@@ -486,7 +483,7 @@ void Restroom(DayContext& day) {
                                                {"Cd_Tarifa", tariff},
                                                {"Vl_Tarifa", value},
                                                {"Qt_Unidade", units},
-                                               {"Cd_Caixa", kTill}});
+                                               {"Cd_Caixa", day.facts.till}});
     auto read = day.Use<cgdTicketSanitario>();
     read.Ob_cgp()->Let("Cd_EmpresaUsuariaSistema", Company(day));
     read.Ob_cgp()->Let("Cd_TicketSanitario", sale->Get("Cd_TicketSanitario"));
