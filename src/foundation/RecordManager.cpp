@@ -125,6 +125,10 @@ void RecordManager::Excluir() {
       RecordObject().RestaurarDefault();
       RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Excluir");
     }
+    if (std::string details = DetailDeleteStatement(); !details.empty()) {
+      ds_sql_ = std::move(details);
+      ExecuteStatement();
+    }
     ds_sql_ = DeleteStatement();
     ExecuteStatement();
   });
@@ -247,6 +251,11 @@ void RecordManager::Alterar(bool /*Ic_Salvando*/) {
   Run("Alterar", [&] {
     if (UpdateKeyMissing()) RaiseError(kErrorNoKey, RuntimeTypeName(*this), "Alterar");
     RequireQuotableValues();
+    if (std::string update = UpdateStatement(); !update.empty()) {
+      ds_sql_ = std::move(update);
+      if (ExecuteStatement() == 0) RaiseError(kErrorRecordNotFound, RuntimeTypeName(*this), "Alterar");
+      return;
+    }
     ds_sql_ = SelectStatement();
     auto recordset = OpenStatement();
     if (recordset->RecordCount() == 0) {

@@ -83,6 +83,13 @@ class RecordManager : public DataManager {
   // A record that writes its own INSERT returns it here (Incluir then runs
   // it instead of adding a row to the empty record set); empty otherwise.
   virtual std::string InsertStatement() { return {}; }
+  // A record that writes its own UPDATE returns it here: Alterar runs it
+  // instead of copying into the stored row, and a statement that updates no
+  // row is 0x80040202, so Salvar still inserts a record that is not there.
+  virtual std::string UpdateStatement() { return {}; }
+  // A record whose detail rows go with it returns their DELETE here:
+  // Excluir runs it first, then the record's own.
+  virtual std::string DetailDeleteStatement() { return {}; }
   // What Alterar stores differently from the generic copy, applied to the
   // row after the copy and before it is written.
   virtual void AdjustUpdatedRow(Recordset& /*row*/) {}

@@ -55,6 +55,9 @@ VEK_RECORD_PROPERTIES(cgpTarifa, "TbTarifa")
 // (the default) by company and Cd_Caixa, true by company, Cd_Usuario,
 // Dt_Abertura and No_Sequencial.
 VEK_RECORD_PROPERTIES(cgpCaixa, "TbCaixa", {"Ic_ConsultarPorAbertura", PropertyType::Boolean})
+// Revenue assessments: the header of a payer's day and its tariff lines.
+VEK_RECORD_PROPERTIES(cgpApuracaoReceita, "TbApuracaoReceita")
+VEK_RECORD_PROPERTIES(cgpApuracaoReceita_Tarifa, "TbApuracaoReceita_TbTarifa")
 
 // Vehicles. A company's parking vehicle is read together with the vehicle.
 VEK_RECORD_PROPERTIES(cgpCor, "TbCor")
