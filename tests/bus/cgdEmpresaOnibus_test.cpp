@@ -96,5 +96,53 @@ TEST_F(cgdEmpresaOnibusTest, TheSearchGridListsCompaniesWithTheirPersonByDisplay
   EXPECT_EQ(bad.Source(), testing::ProviderSource() + " -> cgdEmpresasOnibus.CarregarMSFlexGridDeBusca, ");
 }
 
+// Boardings are counted from the trips of the whole calendar day, of every
+// operating company, through the timetable that names the bus company.
+TEST_F(cgdEmpresaOnibusTest, TheDaysBoardingsAreCountedFromTheCompanysTripsOfTheWholeDay) {
+  auto boarded = [&](int32_t trip, int32_t tenant, const std::string& with, const std::string& without) {
+    db.Query("UPDATE TbViagemOnibus SET Qt_EmbarquesComPassagem = " + with + ", Qt_EmbarquesSemPassagem = " + without +
+             " WHERE Cd_EmpresaUsuariaSistema = " + std::to_string(tenant) +
+             " AND Cd_ViagemOnibus = " + std::to_string(trip));
+  };
+  db.Trip(1, 1, 1, "2026-11-21 00:00:00");  // Araguarina, first second of the day
+  boarded(1, 1, "30", "2");
+  db.Trip(2, 4, 6, "2026-11-21 23:59:59");  // Araguarina, last second
+  boarded(2, 1, "10", "1");
+  db.Trip(3, 1, 1, "2026-11-22 00:00:00");  // the next day
+  boarded(3, 1, "100", "0");
+  db.Trip(4, 1, 1, "2026-11-20 23:59:59");  // the day before
+  boarded(4, 1, "100", "0");
+  db.Trip(5, 3, 4, "2026-11-21 11:00:00");  // São Luiz
+  boarded(5, 1, "7", "0");
+  db.Trip(6, 1, 5, "2026-11-21 07:00:00", 0, 0, 2);  // São Luiz under operating company 2
+  boarded(6, 2, "5", "3");
+  db.Trip(7, 1, 1, "2026-11-21 12:00:00");  // Araguarina, without-ticket count unknown
+  boarded(7, 1, "50", "NULL");
+
+  empresa.Ob_cgp()->Let("Cd_EmpresaOnibus", Variant(10));
+  EXPECT_EQ(empresa.ConsultarQuantidadeDeEmbarques(DateSerial(2026, 11, 21)), 43);
+  EXPECT_EQ(db.statements.back(),
+            Lines({"SELECT   Sum(A.Qt_EmbarquesComPassagem + A.Qt_EmbarquesSemPassagem) As Qt_Embarques",
+                   "FROM     TbViagemOnibus A",
+                   "         INNER JOIN TbHorariosLinha B On A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema",
+                   "                    And A.Cd_HorarioLinha = B.Cd_HorarioLinha",
+                   "Where    B.Cd_EmpresaOnibus = 10",
+                   "         And A.Hr_Previsto Between '2026-11-21 00:00:00' And '2026-11-21 23:59:59'",
+                   "         And B.Cd_EmpresaOnibus = 10"}) +
+                "\r");
+  empresa.Ob_cgp()->Let("Cd_EmpresaOnibus", Variant(11));
+  EXPECT_EQ(empresa.ConsultarQuantidadeDeEmbarques(DateSerial(2026, 11, 21)), 15);
+  // A day without trips boards nobody; so does a company without timetables.
+  EXPECT_EQ(empresa.ConsultarQuantidadeDeEmbarques(DateSerial(2026, 11, 23)), 0);
+  empresa.Ob_cgp()->Let("Cd_EmpresaOnibus", Variant(99));
+  EXPECT_EQ(empresa.ConsultarQuantidadeDeEmbarques(DateSerial(2026, 11, 21)), 0);
+
+  // A failure names the member.
+  db.connection->Close();
+  const VekError closed = ErrorOf([&] { empresa.ConsultarQuantidadeDeEmbarques(DateSerial(2026, 11, 21)); });
+  EXPECT_NE(closed.Number(), 0);
+  EXPECT_TRUE(closed.Source().ends_with(" -> cgdEmpresaOnibus.ConsultarQuantidadeDeEmbarques, ")) << closed.Source();
+}
+
 }  // namespace
 }  // namespace vek
