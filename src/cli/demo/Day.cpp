@@ -12,6 +12,7 @@ std::vector<DayStep> DaySteps() {
       TillOpeningDay,
       ParkingDay,
       TillReportsDay,
+      AssessmentDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

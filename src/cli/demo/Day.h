@@ -68,6 +68,7 @@ std::vector<DayStep> BusDay();
 std::vector<DayStep> ParkingDay();
 std::vector<DayStep> TillOpeningDay();
 std::vector<DayStep> TillReportsDay();
+std::vector<DayStep> AssessmentDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
