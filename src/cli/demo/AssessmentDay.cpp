@@ -49,7 +49,8 @@ int32_t Assess(const DayContext& day, int32_t type, int32_t payer, Date first, D
   record->Let("Cd_TipoReceita", type);
   record->Let("Cd_Pessoa", payer);
   record->Let("Dt_Movimento", today);
-  record->Let("Dt_Faturamento", today);
+  // What the till took is paid already: only the boarding fees are billed.
+  record->Let("Dt_Faturamento", type == 1 ? today : Date());
   record->Let("Dt_Vencimento", type == 1 ? DateAdd("d", 7, today) : today);
   record->Let("Vl_ApuracaoReceita", amount);
   record->Let("Dt_Inicial", first);
@@ -203,7 +204,8 @@ void TillTotalling(DayContext& day) {
   PrintAssessments(day, "A.Cd_Caixa = " + till);
 
   auto billed = day.Use<cgdApuracoesReceita>().ConsultarApuracoesAFaturarPorEmpresa(today);
-  day.out << "\n  To be billed today, per payer and due date (cgdApuracoesReceita.ConsultarApuracoesAFaturarPorEmpresa):\n";
+  day.out << "\n  To be billed today, per payer and due date, the boarding fees "
+             "(cgdApuracoesReceita.ConsultarApuracoesAFaturarPorEmpresa):\n";
   TextTable to_bill({{"Cd_Pessoa", Align::Right}, {"Dt_Vencimento"}, {"Vl_TotalApuracaoReceita", Align::Right}});
   for (; !billed->Eof(); billed->MoveNext()) {
     Fields& f = billed->Fields();
