@@ -67,6 +67,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // Every statement's text, exactly as built, before it runs. An empty hook
   // removes the current one.
   void OnStatement(StatementHook hook);
+  // The hook set (empty when none): a data manager that opens a connection of
+  // its own (the report database) hands it on, so one hook sees every
+  // statement the session sends.
+  const StatementHook& StatementObserver() const { return hook_; }
 
   // The clock that the database's getdate() reads (the system clock unless set).
   void SetClock(std::shared_ptr<Clock> clock);
