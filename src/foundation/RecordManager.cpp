@@ -17,6 +17,10 @@ bool IsTextColumn(const schema::ColumnDef& column) {
   return column.type == schema::ColumnType::VarChar || column.type == schema::ColumnType::Char;
 }
 
+bool IsDateColumn(const schema::ColumnDef* column) {
+  return column && column->type == schema::ColumnType::DateTime;
+}
+
 }  // namespace
 
 RecordManager::RecordManager(std::string_view table, std::vector<std::string_view> key_columns)
@@ -31,7 +35,7 @@ RecordManager::RecordManager(std::string_view table, std::vector<std::string_vie
     const schema::ColumnDef* definition = table_->FindColumn(column);
     const bool first = keys_.empty();
     if (definition && IsTextColumn(*definition)) quoted_columns_.emplace_back(column);
-    keys_.push_back({std::string(column), definition && IsTextColumn(*definition),
+    keys_.push_back({std::string(column), definition && IsTextColumn(*definition), IsDateColumn(definition),
                      (first ? "WHERE  " : "       And ") + std::string(column) + " = ",
                      (first ? "WHERE  A." : "       and A.") + std::string(column) + " = "});
   }
@@ -57,7 +61,12 @@ bool RecordManager::KeyMissing() {
 
 std::string RecordManager::KeyLiteral(std::string_view column) {
   const schema::ColumnDef* definition = table_->FindColumn(column);
+  if (IsDateColumn(definition)) return DateKeyLiteral(column);
   return KeyLiteral(column, definition && IsTextColumn(*definition));
+}
+
+std::string RecordManager::DateKeyLiteral(std::string_view column) {
+  return DateSemHoraToSql(CDate(RecordObject().Get(column)), *Ob_cgpSistema());
 }
 
 std::string RecordManager::KeyLiteral(std::string_view column, bool text) {
@@ -83,6 +92,8 @@ void RecordManager::AppendKeyClauses(std::string& text, bool for_delete, bool ze
       text += key.text ? "''" : "0";
     } else if (key.text) {
       text += KeyLiteral(key.name, true);
+    } else if (key.date) {
+      text += DateKeyLiteral(key.name);
     } else {
       // A numeric key goes in as digits without a string of its own.
       char digits[16];
@@ -178,7 +189,9 @@ std::string RecordManager::SelectByKey(bool semicolon, bool zero_keys) {
   std::string text = select_start_;
   bool first = true;
   for (const KeyColumn& key : keys_) {
-    const std::string value = zero_keys ? (key.text ? "''" : "0") : KeyLiteral(key.name, key.text);
+    const std::string value = zero_keys  ? (key.text ? "''" : "0")
+                              : key.date ? DateKeyLiteral(key.name)
+                                         : KeyLiteral(key.name, key.text);
     text += (first ? "WHERE  A." : "       And A.") + key.name + " = " + value + "\r";
     first = false;
   }

@@ -9,7 +9,8 @@
 //   SELECT A.* / FROM   Tb A / WHERE  A.k1 = v1 / "       and A.k2 = v2" / ;
 //
 // each clause followed by a single carriage return; text keys between
-// single quotes as they stand (refused when they hold an apostrophe).
+// single quotes as they stand (refused when they hold an apostrophe), date
+// keys between single quotes in the session's date format.
 
 #include <memory>
 #include <string>
@@ -113,10 +114,12 @@ class RecordManager : public DataManager {
   // warning; a return other than 0 raises 0x80040458 with "@Ds_Erro".
   void RunAccessControlProcedure(std::string_view procedure, std::string_view key_column, std::string& Ds_Aviso);
 
-  // A key value as the statements write it: digits, or text between quotes
-  // (refused when it holds an apostrophe).
+  // A key value as the statements write it: digits, text between quotes
+  // (refused when it holds an apostrophe), or a date column's day between
+  // quotes in the session's date format ("'2026-11-21'").
   std::string KeyLiteral(std::string_view column);
   std::string KeyLiteral(std::string_view column, bool text);
+  std::string DateKeyLiteral(std::string_view column);
   // The WHERE lines of the key, each ended by a carriage return: for the
   // DELETE ("WHERE  k = v", "       And k = v") or the SELECT
   // ("WHERE  A.k = v", "       and A.k = v"); zero_keys writes 0 and ''.
@@ -141,6 +144,7 @@ class RecordManager : public DataManager {
   struct KeyColumn {
     std::string name;
     bool text = false;
+    bool date = false;
     std::string delete_head;  // "WHERE  Cd_X = " or "       And Cd_X = "
     std::string select_head;  // "WHERE  A.Cd_X = " or "       and A.Cd_X = "
   };
