@@ -58,6 +58,9 @@ VEK_RECORD_PROPERTIES(cgpCaixa, "TbCaixa", {"Ic_ConsultarPorAbertura", PropertyT
 // Revenue assessments: the header of a payer's day and its tariff lines.
 VEK_RECORD_PROPERTIES(cgpApuracaoReceita, "TbApuracaoReceita")
 VEK_RECORD_PROPERTIES(cgpApuracaoReceita_Tarifa, "TbApuracaoReceita_TbTarifa")
+// The boarding and alighting map and the apportionment.
+VEK_RECORD_PROPERTIES(cgpItemMapaMovimentoED, "TbItemMapaMovimentoED")
+VEK_RECORD_PROPERTIES(cgpItemRateioMovimentoED, "TbItemRateioMovimentoED")
 
 // Vehicles. A company's parking vehicle is read together with the vehicle.
 VEK_RECORD_PROPERTIES(cgpCor, "TbCor")
