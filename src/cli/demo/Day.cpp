@@ -13,6 +13,7 @@ std::vector<DayStep> DaySteps() {
       ParkingDay,
       TillReportsDay,
       AssessmentDay,
+      MapsDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

@@ -69,6 +69,7 @@ std::vector<DayStep> ParkingDay();
 std::vector<DayStep> TillOpeningDay();
 std::vector<DayStep> TillReportsDay();
 std::vector<DayStep> AssessmentDay();
+std::vector<DayStep> MapsDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
