@@ -1,6 +1,11 @@
 #include "vek/revenue/cgdItensMapaMovimentoED.h"
 
+#include <filesystem>
+
+#include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
+#include "vek/platform/AppPath.h"
+#include "vek/platform/Controls.h"
 #include "vek/platform/Format.h"
 
 namespace vek {
@@ -11,7 +16,111 @@ constexpr const char* kAlightingJoins[] = {"FROM     TbItemMapaMovimentoED A",
                                            "         LEFT JOIN TbPessoa B On A.Cd_EmpresaOnibus = B.Cd_Pessoa",
                                            "         LEFT JOIN TbCidade C On A.Cd_Cidade = C.Cd_Cidade"};
 
+// Closes what a monthly map opened, whether it finished or failed.
+struct MapResources {
+  MapResources() = default;
+  MapResources(const MapResources&) = delete;
+  MapResources& operator=(const MapResources&) = delete;
+  ~MapResources() {
+    try {
+      if (table && table->State() == adStateOpen) table->Close();
+      if (report && report->State() == adStateOpen) report->Close();
+      if (progress) progress->Close();
+    } catch (...) {
+      // Closing must not hide the error on its way out.
+    }
+  }
+  std::shared_ptr<Connection> report;
+  std::shared_ptr<Recordset> table;
+  ProgressWindow* progress = nullptr;
+};
+
+// The report file bdTemp of the application folder, made from the template
+// when missing, opened with the Jet string.
+std::shared_ptr<Connection> OpenReportFile(const cgpSistema& session) {
+  namespace fs = std::filesystem;
+  const std::string work = CStr(session.Get("Ds_CaminhoAplicacao"));
+  const fs::path folder = work.empty() ? AppPath() : fs::path(work);
+  const fs::path file = folder / "bdTemp.db";
+  if (!fs::exists(file)) fs::copy_file(folder / "Modelos" / "bdTemp.db", file);
+  auto connection = std::make_shared<Connection>();
+  connection->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file.string() + ";");
+  return connection;
+}
+
 }  // namespace
+
+struct cgdItensMapaMovimentoED::MonthlyMap {
+  const char* table;
+  const char* caption;
+  const char* company_name;  // the pair query's column that names the company
+  bool boardings;
+};
+
+void cgdItensMapaMovimentoED::FillMonthlyMap(const MonthlyMap& map, Date Dt_Inicial, Date Dt_Final,
+                                             AbrangenciaEnum No_Abrangencia, const std::string& Sg_UFLocal) {
+  cgpSistema& session = *Ob_cgpSistema();
+  MapResources resources;
+  resources.report = OpenReportFile(session);
+  ds_sql_ = SqlLines() << "DELETE "
+                       << "FROM " + std::string(map.table) + ";";
+  resources.report->Execute(ds_sql_);
+  resources.table = std::make_shared<Recordset>();
+  resources.table->Open(map.table, resources.report, adOpenKeyset, adLockOptimistic, adCmdTable);
+  resources.progress = &session.Progress();
+  resources.progress->Caption(map.caption);
+  resources.progress->Label(std::string());
+  resources.progress->Percentage(0.0);
+  resources.progress->Show();
+
+  auto pairs = map.boardings ? ConsultarEmpresasComEmbarque(Dt_Inicial, Dt_Final, No_Abrangencia, Sg_UFLocal)
+                             : ConsultarEmpresasComDesembarque(Dt_Inicial, Dt_Final, No_Abrangencia, Sg_UFLocal);
+  Recordset& table = *resources.table;
+  const int32_t count = pairs->RecordCount();
+  int32_t done = 0;
+  while (!pairs->Eof()) {
+    Fields& pair = pairs->Fields();
+    const int32_t company = CLng(pair.Item("Cd_EmpresaOnibus").Value());
+    const int32_t city = CLng(pair.Item("Cd_Cidade").Value());
+    table.AddNew();
+    Fields& row = table.Fields();
+    row.Item("Nm_EmpresaOnibus").Value(pair.Item(map.company_name).Value());
+    row.Item("Nm_Cidade").Value(Variant(CStr(pair.Item("Nm_Cidade").Value()) + "-" +
+                                        CStr(pair.Item("Sg_Uf").Value())));
+    row.Item("Cd_EmpresaOnibus").Value(Variant(company));
+    row.Item("Cd_Cidade").Value(Variant(city));
+    int32_t total = 0;
+    for (Date day = Dt_Inicial; day <= Dt_Final; day = day + 1.0) {
+      const int32_t moved =
+          map.boardings ? ConsultarEmbarques(company, city, day) : ConsultarDesembarques(company, city, day);
+      row.Item("Qt_Dia" + Format(Variant(Day(day)), "00")).Value(Variant(moved));
+      total += moved;
+    }
+    row.Item("Qt_Total").Value(Variant(total));
+    table.Update();
+    ++done;
+    resources.progress->Percentage(100.0 * done / count);
+    pairs->MoveNext();
+  }
+}
+
+void cgdItensMapaMovimentoED::GerarArqTempMapaEmbarqueMensal(Date Dt_Inicial, Date Dt_Final,
+                                                             AbrangenciaEnum No_Abrangencia,
+                                                             const std::string& Sg_UFLocal) {
+  Run("GerarArqTempMapaEmbarqueMensal", [&] {
+    FillMonthlyMap({"cgrMapaControleEmbarque1", "Gerando item mapa movimento Embarque", "Nm_EmpresaOnibus", true},
+                   Dt_Inicial, Dt_Final, No_Abrangencia, Sg_UFLocal);
+  });
+}
+
+void cgdItensMapaMovimentoED::GerarArqTempMapaDesembarqueMensal(Date Dt_Inicial, Date Dt_Final,
+                                                                AbrangenciaEnum No_Abrangencia,
+                                                                const std::string& Sg_UFLocal) {
+  Run("GerarArqTempMapaDesembarqueMensal", [&] {
+    FillMonthlyMap({"cgrMapaControleDesembarque1", "Gerando item mapa movimento Desembarque", "Nm_Pessoa", false},
+                   Dt_Inicial, Dt_Final, No_Abrangencia, Sg_UFLocal);
+  });
+}
 
 std::string cgdItensMapaMovimentoED::DayText(Date day) {
   return Format(Variant(day), CStr(Ob_cgpSistema()->Get("Ds_FormatoData")));

@@ -13,6 +13,17 @@
 // Dates are written in the session's date format; a day's bounds are
 // "<day> 00:00:00" and "<day> 23:59:59", as the other day-range queries of
 // the revenue write them. None of these queries filters by operating company.
+//
+// The monthly maps go into the report file: bdTemp in the session's
+// application folder (Ds_CaminhoAplicacao, else AppPath()), copied from
+// Modelos under the application folder when it is missing, opened with the
+// Jet connection string. Its work table is emptied ("DELETE " /
+// "FROM cgrMapaControleEmbarque1;") and gets one row per company and city of
+// the period and reach: the names, the codes, "Qt_Dia" + the two-digit day
+// for each day of the period (the other days' fields stay Null) and
+// Qt_Total. The progress window shows "Gerando item mapa movimento
+// Embarque" (Desembarque) and advances per row. A failure stops the feed;
+// the rows written so far stay.
 
 #include <cstdint>
 #include <memory>
@@ -50,6 +61,14 @@ class cgdItensMapaMovimentoED : public ListCollection {
   // operating company; 0 when it has none.
   int32_t ConsultarEmbarques(int32_t Cd_EmpresaOnibus, int32_t Cd_Cidade, Date Dt_Movimento);
   int32_t ConsultarDesembarques(int32_t Cd_EmpresaOnibus, int32_t Cd_Cidade, Date Dt_Movimento);
+  // cgrMapaControleEmbarque1 from ConsultarEmpresasComEmbarque and
+  // ConsultarEmbarques, the company named as in TbEmpresaOnibus.
+  void GerarArqTempMapaEmbarqueMensal(Date Dt_Inicial, Date Dt_Final, AbrangenciaEnum No_Abrangencia,
+                                      const std::string& Sg_UFLocal);
+  // cgrMapaControleDesembarque1 from ConsultarEmpresasComDesembarque and
+  // ConsultarDesembarques, the company named by its person.
+  void GerarArqTempMapaDesembarqueMensal(Date Dt_Inicial, Date Dt_Final, AbrangenciaEnum No_Abrangencia,
+                                         const std::string& Sg_UFLocal);
 
  private:
   std::string DayText(Date day);
@@ -57,6 +76,9 @@ class cgdItensMapaMovimentoED : public ListCollection {
   // the company queries.
   void AddPeriodAndReach(SqlLines& sql, Date Dt_Inicial, Date Dt_Final, std::string_view movement,
                          AbrangenciaEnum No_Abrangencia, const std::string& Sg_UFLocal);
+  struct MonthlyMap;
+  void FillMonthlyMap(const MonthlyMap& map, Date Dt_Inicial, Date Dt_Final, AbrangenciaEnum No_Abrangencia,
+                      const std::string& Sg_UFLocal);
   int32_t DayTotal(std::string_view column, std::string_view total, int32_t Cd_EmpresaOnibus, int32_t Cd_Cidade,
                    Date Dt_Movimento);
 };
