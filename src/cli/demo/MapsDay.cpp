@@ -1,9 +1,11 @@
 // The boarding maps' part of the demo day: the day's trips turned into map
 // items per bus company and destination city (a departed bus's boardings
 // shared over the cities it goes to, an arrived bus's passengers counted
-// under the city they came from), the map read back by reach, and each
-// company's boardings apportioned over its cities.
+// under the city they came from), the map read back by reach, each
+// company's boardings apportioned over its cities, and the month's boarding
+// and alighting maps written into the report file of the terminal's folder.
 
+#include <filesystem>
 #include <map>
 #include <string>
 #include <utility>
@@ -186,12 +188,50 @@ void Apportionment(DayContext& day) {
   }
 }
 
+// The month so far into the report file, read back as the report writer
+// reads it.
+void MonthlyMaps(DayContext& day) {
+  const Date today = Today(day);
+  const Date first = DateSerial(Year(today), Month(today), 1);
+  auto mapa = day.Use<cgdItensMapaMovimentoED>();
+  mapa.GerarArqTempMapaEmbarqueMensal(first, today, AbrangenciaGeral, kLocalState);
+  mapa.GerarArqTempMapaDesembarqueMensal(first, today, AbrangenciaGeral, kLocalState);
+  const std::filesystem::path file =
+      std::filesystem::path(CStr(day.session->Get("Ds_CaminhoAplicacao"))) / "bdTemp.db";
+  auto report = std::make_shared<Connection>();
+  report->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file.string() + ";");
+  std::vector<std::string> days;
+  for (Date d = first; d <= today; d = d + 1.0) days.push_back("Qt_Dia" + Format(Variant(Day(d)), "00"));
+  for (const auto& [table, title] : {std::pair{"cgrMapaControleEmbarque1", "Boarding map"},
+                                     std::pair{"cgrMapaControleDesembarque1", "Alighting map"}}) {
+    day.out << "  " << title << " " << Format(Variant(first), "dd/mm") << " to " << Format(Variant(today), "dd/mm")
+            << " (" << table << "):\n";
+    std::vector<TextTable::Column> columns = {{"Empresa"}, {"Cidade"}};
+    for (const std::string& field : days) columns.push_back({field, Align::Right});
+    columns.push_back({"Qt_Total", Align::Right});
+    TextTable rows(columns);
+    for (auto read = report->Execute("SELECT * FROM " + std::string(table) + " ORDER BY Cd_EmpresaOnibus, Cd_Cidade");
+         !read->Eof(); read->MoveNext()) {
+      Fields& f = read->Fields();
+      std::vector<std::string> cells = {Format(f.Item("Nm_EmpresaOnibus").Value()), CStr(f.Item("Nm_Cidade").Value())};
+      for (const std::string& field : days) cells.push_back(Format(f.Item(field).Value()));
+      cells.push_back(Format(f.Item("Qt_Total").Value()));
+      rows.AddRow(std::move(cells));
+    }
+    rows.Print(day.out);
+    day.out << "\n";
+  }
+  report->Close();
+  day.out << "  Written to " << file.string() << "\n";
+}
+
 }  // namespace
 
 std::vector<DayStep> MapsDay() {
   return {
       {"Boarding and alighting map", MapItems},
       {"Apportionment of boardings", Apportionment},
+      {"Monthly boarding and alighting maps", MonthlyMaps},
   };
 }
 
