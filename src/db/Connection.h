@@ -71,6 +71,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // its own (the report database) hands it on, so one hook sees every
   // statement the session sends.
   const StatementHook& StatementObserver() const { return hook_; }
+  const StatementHook& OnStatement() const { return hook_; }
 
   // The clock that the database's getdate() reads (the system clock unless set).
   void SetClock(std::shared_ptr<Clock> clock);

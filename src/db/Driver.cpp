@@ -3,6 +3,7 @@
 #include <map>
 
 #include "vek/db/DbError.h"
+#include "vek/db/dbase/DbaseDriver.h"
 #include "vek/db/odbc/OdbcDriver.h"
 #include "vek/db/sqlite/SqliteDriver.h"
 #include "vek/platform/Text.h"
@@ -101,6 +102,14 @@ std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::fu
   const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));
   const std::string database = FirstOf(parts, {"database", "data source", "dbq"});
   if (driver.starts_with("microsoft.jet.oledb")) return OpenReportDatabaseDriver(database, std::move(now));
+  // The Visual FoxPro driver on a folder of free tables is the dBase provider.
+  if (driver.find("visual foxpro") != std::string::npos) {
+    const std::string source_type = FoldCase(FirstOf(parts, {"sourcetype"}));
+    if (!source_type.empty() && source_type != "dbf") {
+      RaiseDbError(adErrUnspecified, "dBase", "Only free tables are supported (SourceType=DBF).");
+    }
+    return OpenDbaseDriver(FirstOf(parts, {"sourcedb"}), std::move(now));
+  }
   // A data source name, or any driver but SQLite's, is reached through ODBC.
   const bool odbc = driver.empty() ? parts.contains("dsn") : driver.find("sqlite") == std::string::npos;
   if (odbc) return OpenOdbcDriver(connection_string, std::move(now));

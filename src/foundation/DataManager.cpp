@@ -15,6 +15,15 @@ std::shared_ptr<Connection> DataManager::SessionConnection() const {
   return Ob_cgpSistema()->Ob_Conexao();
 }
 
+std::shared_ptr<Connection> DataManager::OpenSideConnection(const std::string& connection_string) const {
+  const std::shared_ptr<Connection> session_connection = SessionConnection();
+  auto connection = std::make_shared<Connection>();
+  connection->SetClock(session_connection->GetClock());
+  connection->OnStatement(session_connection->OnStatement());
+  connection->Open(connection_string);
+  return connection;
+}
+
 std::shared_ptr<Recordset> DataManager::OpenStatement() {
   auto recordset = std::make_shared<Recordset>();
   OpenStatement(*recordset);

@@ -34,6 +34,11 @@ class DataManager {
  protected:
   // The session's open connection.
   std::shared_ptr<Connection> SessionConnection() const;
+  // Opens another connection in the session's name (an export's file): it
+  // reads the session's clock, and its statements go to the statement hook
+  // of the session's connection, so a program sees them in the order run.
+  // Raises the provider's error when it can't be opened.
+  std::shared_ptr<Connection> OpenSideConnection(const std::string& connection_string) const;
   // Opens `ds_sql_` with the session's cursor and lock types.
   std::shared_ptr<Recordset> OpenStatement();
   // The same into a record set of the caller's (a look-up's, read and

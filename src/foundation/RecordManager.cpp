@@ -62,6 +62,8 @@ bool RecordManager::KeyMissing() {
 std::string RecordManager::KeyLiteral(std::string_view column) {
   const schema::ColumnDef* definition = table_->FindColumn(column);
   if (IsDateColumn(definition)) return DateKeyLiteral(column);
+  // A day in a key (a closing's) is written as a date literal in the session's format.
+  if (IsDateColumn(definition)) return DateSemHoraToSql(CDate(RecordObject().Get(column)), *Ob_cgpSistema());
   return KeyLiteral(column, definition && IsTextColumn(*definition));
 }
 
@@ -88,7 +90,9 @@ std::string RecordManager::KeyClauses(bool for_delete, bool zero_keys) {
 void RecordManager::AppendKeyClauses(std::string& text, bool for_delete, bool zero_keys) {
   for (const KeyColumn& key : keys_) {
     text += for_delete ? key.delete_head : key.select_head;
-    if (zero_keys) {
+    if (key.date) {
+      text += DateKeyLiteral(key, zero_keys);
+    } else if (zero_keys) {
       text += key.text ? "''" : "0";
     } else if (key.text) {
       text += KeyLiteral(key.name, true);
@@ -101,6 +105,10 @@ void RecordManager::AppendKeyClauses(std::string& text, bool for_delete, bool ze
     }
     text += '\r';
   }
+}
+
+std::string RecordManager::DateKeyLiteral(const KeyColumn& key, bool zero_key) {
+  return DateSemHoraToSql(zero_key ? Date() : CDate(RecordObject().Get(key.name)), *Ob_cgpSistema());
 }
 
 // The standard statements are built in one string each: Consultar runs one per call.
@@ -192,6 +200,9 @@ std::string RecordManager::SelectByKey(bool semicolon, bool zero_keys) {
     const std::string value = zero_keys  ? (key.text ? "''" : "0")
                               : key.date ? DateKeyLiteral(key.name)
                                          : KeyLiteral(key.name, key.text);
+    const std::string value = key.date    ? DateKeyLiteral(key, zero_keys)
+                              : zero_keys ? (key.text ? "''" : "0")
+                                          : KeyLiteral(key.name, key.text);
     text += (first ? "WHERE  A." : "       And A.") + key.name + " = " + value + "\r";
     first = false;
   }

@@ -139,12 +139,15 @@ class RecordManager : public DataManager {
   void RequireQuotableValues();
 
   void NumberNewRecord();
+  struct KeyColumn;
+  std::string DateKeyLiteral(const KeyColumn& key, bool zero_key);
   void AppendKeyClauses(std::string& text, bool for_delete, bool zero_keys);
 
   struct KeyColumn {
     std::string name;
     bool text = false;
     bool date = false;
+    bool date = false;  // written as the session's date literal; Date() stands for 0
     std::string delete_head;  // "WHERE  Cd_X = " or "       And Cd_X = "
     std::string select_head;  // "WHERE  A.Cd_X = " or "       and A.Cd_X = "
   };

@@ -61,6 +61,13 @@ VEK_RECORD_PROPERTIES(cgpApuracaoReceita_Tarifa, "TbApuracaoReceita_TbTarifa")
 // The boarding and alighting map and the apportionment.
 VEK_RECORD_PROPERTIES(cgpItemMapaMovimentoED, "TbItemMapaMovimentoED")
 VEK_RECORD_PROPERTIES(cgpItemRateioMovimentoED, "TbItemRateioMovimentoED")
+// Billing: payment terms and their items, receivables, the daily closing and
+// the ERP's parameters of each operating company.
+VEK_RECORD_PROPERTIES(cgpCondicaoPagamento, "TbCondicaoPagamento")
+VEK_RECORD_PROPERTIES(cgpItemCondicaoPagamento, "TbItemCondicaoPagamento")
+VEK_RECORD_PROPERTIES(cgpContaReceber, "TbContaReceber")
+VEK_RECORD_PROPERTIES(cgpFechamentoDiario, "TbFechamentoDiario")
+VEK_RECORD_PROPERTIES(cgpParametrosMicrosiga, "TbParametrosMicrosiga")
 
 // Vehicles. A company's parking vehicle is read together with the vehicle.
 VEK_RECORD_PROPERTIES(cgpCor, "TbCor")
