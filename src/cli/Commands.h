@@ -5,6 +5,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
+#include "vek/platform/Date.h"
+
 #include <filesystem>
 #include <string>
 #include <ostream>
@@ -18,6 +20,9 @@ void AddBoardCommand(CLI::App& app);
 void AddTimetableCommand(CLI::App& app);
 void AddYardCommand(CLI::App& app);
 void AddReportCommand(CLI::App& app);
+// "vek export", the group of the exports, and its commands.
+CLI::App& AddExportGroup(CLI::App& app);
+void AddExportDbfCommand(CLI::App& export_group);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -68,5 +73,11 @@ void PrintYard(const std::filesystem::path& folder, std::ostream& out);
 // PrintTill). Raises 0x80040458 when the folder has no Vek.ini, Vek.ini
 // names no company, or the company has no such till.
 void PrintTillReport(const std::filesystem::path& folder, int32_t till, std::ostream& out);
+// vek export dbf's work: opens the terminal of `terminal` as its programs do
+// and writes the receivables issued from `from` to `to` into `table` in
+// `folder` (cgdContasReceber::ExportarDBF), then prints how many it wrote.
+// The session's progress window is a bar on stderr when `progress_bar`.
+void ExportDbf(const std::filesystem::path& terminal, Date from, Date to, const std::filesystem::path& folder,
+               const std::string& table, std::ostream& out, bool progress_bar);
 
 }  // namespace vek::cli

@@ -19,6 +19,7 @@
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/ProfileFile.h"
 #include "vek/platform/Text.h"
+#include "vek/revenue/MicrosigaTitles.h"
 #include "vek/schema/CreateDatabase.h"
 #include "vek/schema/ReportDatabase.h"
 
@@ -170,6 +171,10 @@ void MakeTemplatesFolder(const fs::path& folder, std::ostream& out) {
   if (!report_database_existed) schema::WriteReportDatabaseTemplate(report_database);
   out << "template  " << report_database.string() << (report_database_existed ? " (already there)" : "")
       << "\n";
+  // The ERP's empty title table, which the receivables' dBase export fills.
+  const bool titles_existed = fs::exists(templates / "SE1.dbf");
+  if (!titles_existed) CreateMicrosigaTitleTable(templates, "SE1");
+  out << "template  " << (templates / "SE1.dbf").string() << (titles_existed ? " (already there)" : "") << "\n";
 }
 
 }  // namespace

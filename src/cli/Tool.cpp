@@ -36,6 +36,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddTimetableCommand(app);
   AddYardCommand(app);
   AddReportCommand(app);
+  AddExportDbfCommand(AddExportGroup(app));
 
   const bool redirect = &out != &std::cout;
   try {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "vek/db/Connection.h"
+#include "vek/db/Field.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/MessageCatalogue.h"
 #include "vek/platform/Controls.h"
@@ -202,9 +203,15 @@ void cgdContasReceber::ExportarDBF(Date Dt_Inicio, Date Dt_Fim, const std::strin
     }
 
     ProgressWindow& progress = session.Progress();
+    // Closed on failure too: a window left on screen would hide the error.
     struct ProgressCloser {
       ProgressWindow& window;
-      ~ProgressCloser() { window.Close(); }
+      ~ProgressCloser() {
+        try {
+          window.Close();
+        } catch (...) {
+        }
+      }
     } closer{progress};
     progress.Caption("Exportando as contas a receber para " + Nm_Tabela);
     progress.Label(std::string());

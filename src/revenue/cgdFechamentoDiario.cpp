@@ -1,5 +1,6 @@
 #include "vek/revenue/cgdFechamentoDiario.h"
 
+#include "vek/db/Field.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/ListLoader.h"
 #include "vek/foundation/cgdModulo.h"

@@ -1,5 +1,6 @@
 #include "vek/revenue/cgdItemCondicaoPagamento.h"
 
+#include "vek/db/Field.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/cgdModulo.h"
 

@@ -49,6 +49,8 @@ TEST_F(InitCommandTest, MakesAFolderWhoseSettingsLoadAndWhoseDatabasesHaveTheirR
   // Then one line per template of the Modelos folder.
   EXPECT_NE(out.str().find("template  " + (folder / "Modelos" / "bdTemp.db").string() + "\n", made.size()),
             std::string::npos) << out.str();
+                           "folder    " + (folder / "Modelos").string() + "\n" +
+                           "template  " + (folder / "Modelos" / "SE1.dbf").string() + "\n");
   EXPECT_TRUE(fs::is_directory(folder / "Modelos"));
   EXPECT_TRUE(fs::is_regular_file(folder / "MDESTACIONAMENTO.db"));
   // Vek.ini holds the database password: its owner alone reads it.

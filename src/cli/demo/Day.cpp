@@ -14,6 +14,7 @@ std::vector<DayStep> DaySteps() {
       TillReportsDay,
       AssessmentDay,
       MapsDay,
+      BillingDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

@@ -70,6 +70,7 @@ std::vector<DayStep> TillOpeningDay();
 std::vector<DayStep> TillReportsDay();
 std::vector<DayStep> AssessmentDay();
 std::vector<DayStep> MapsDay();
+std::vector<DayStep> BillingDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();

@@ -36,7 +36,10 @@ std::vector<Token> Tokenize(std::string_view sql) {
       ++i;
     } else if (std::isalpha(static_cast<unsigned char>(c)) || c == '_') {
       const size_t start = i;
-      while (std::isalnum(static_cast<unsigned char>(at(i))) || at(i) == '_') ++i;
+      while (std::isalnum(static_cast<unsigned char>(at(i))) || at(i) == '_' ||
+             (at(i) == '.' && std::isalpha(static_cast<unsigned char>(at(i + 1))))) {
+        ++i;
+      }
       tokens.push_back({Token::Kind::Word, std::string(sql.substr(start, i - start))});
     } else if (std::isdigit(static_cast<unsigned char>(c)) ||
                (c == '.' && std::isdigit(static_cast<unsigned char>(at(i + 1))))) {
@@ -65,7 +68,7 @@ std::vector<Token> Tokenize(std::string_view sql) {
       }
       ++i;
       tokens.push_back({Token::Kind::Text, std::move(text)});
-    } else if (std::string_view("(),+-*/;").find(c) != std::string_view::npos) {
+    } else if (std::string_view("(),+-*/;=<>").find(c) != std::string_view::npos) {
       tokens.push_back({Token::Kind::Symbol, std::string(1, c)});
       ++i;
     } else {
@@ -92,31 +95,31 @@ ExactNumber Reduced(__int128 numerator, __int128 denominator) {
   return divisor > 1 ? ExactNumber{numerator / divisor, denominator / divisor} : ExactNumber{numerator, denominator};
 }
 
-__int128 Checked(bool overflowed, __int128 value) {
-  if (overflowed) RaiseDbaseError("Numeric overflow in the statement's arithmetic.");
-  return value;
+// The arithmetic of the exact numbers, refusing what would overflow.
+__int128 Add(__int128 a, __int128 b) {
+  __int128 result = 0;
+  if (__builtin_add_overflow(a, b, &result)) RaiseDbaseError("Numeric overflow in the statement's arithmetic.");
+  return result;
+}
+__int128 Multiply(__int128 a, __int128 b) {
+  __int128 result = 0;
+  if (__builtin_mul_overflow(a, b, &result)) RaiseDbaseError("Numeric overflow in the statement's arithmetic.");
+  return result;
 }
 
 ExactNumber Combine(const ExactNumber& a, char op, const ExactNumber& b) {
-  __int128 x = 0, y = 0, n = 0, d = 0;
   switch (op) {
     case '+':
+      return Reduced(Add(Multiply(a.numerator, b.denominator), Multiply(b.numerator, a.denominator)),
+                     Multiply(a.denominator, b.denominator));
     case '-':
-      x = Checked(__builtin_mul_overflow(a.numerator, b.denominator, &x), x);
-      y = Checked(__builtin_mul_overflow(b.numerator, a.denominator, &y), y);
-      n = Checked(op == '+' ? __builtin_add_overflow(x, y, &n) : __builtin_sub_overflow(x, y, &n), n);
-      d = Checked(__builtin_mul_overflow(a.denominator, b.denominator, &d), d);
-      break;
+      return Reduced(Add(Multiply(a.numerator, b.denominator), -Multiply(b.numerator, a.denominator)),
+                     Multiply(a.denominator, b.denominator));
     case '*':
-      n = Checked(__builtin_mul_overflow(a.numerator, b.numerator, &n), n);
-      d = Checked(__builtin_mul_overflow(a.denominator, b.denominator, &d), d);
-      break;
+      return Reduced(Multiply(a.numerator, b.numerator), Multiply(a.denominator, b.denominator));
     default:  // '/'
-      n = Checked(__builtin_mul_overflow(a.numerator, b.denominator, &n), n);
-      d = Checked(__builtin_mul_overflow(a.denominator, b.numerator, &d), d);
-      break;
+      return Reduced(Multiply(a.numerator, b.denominator), Multiply(a.denominator, b.numerator));
   }
-  return Reduced(n, d);
 }
 
 ExactNumber ParseNumber(const std::string& digits) {
@@ -128,8 +131,8 @@ ExactNumber ParseNumber(const std::string& digits) {
       decimals = true;
       continue;
     }
-    numerator = Checked(__builtin_mul_overflow(numerator, 10, &numerator), numerator) + (c - '0');
-    if (decimals) denominator = Checked(__builtin_mul_overflow(denominator, 10, &denominator), denominator);
+    numerator = Add(Multiply(numerator, 10), c - '0');
+    if (decimals) denominator = Multiply(denominator, 10);
   }
   return Reduced(numerator, denominator);
 }
@@ -282,14 +285,20 @@ class DbaseDriver final : public Driver {
   // The table's file in the folder, its name in any case, as on the
   // system the ERP runs on.
   fs::path TableFile(const std::string& name) const {
+    std::optional<fs::path> file = FindTableFile(name);
+    if (!file) RaiseDbaseError("File '" + LCase(FileName(name)) + "' does not exist in " + folder_.string() + ".");
+    return *file;
+  }
+  std::optional<fs::path> FindTableFile(const std::string& name) const {
     RequirePlainName(name);
-    const std::string file_name = EndsWithDbf(name) ? name : name + ".dbf";
+    const std::string file_name = FileName(name);
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder_, error)) {
       if (EqualsIgnoreCase(entry.path().filename().string(), file_name)) return entry.path();
     }
-    RaiseDbaseError("File '" + LCase(file_name) + "' does not exist in " + folder_.string() + ".");
+    return std::nullopt;
   }
+  static std::string FileName(const std::string& name) { return EndsWithDbf(name) ? name : name + ".dbf"; }
 
   static bool EndsWithDbf(const std::string& name) {
     return name.size() > 4 && EqualsIgnoreCase(std::string_view(name).substr(name.size() - 4), ".dbf");
@@ -326,7 +335,10 @@ class DbaseDriver final : public Driver {
     } while (parser.TakeSymbol(','));
     parser.ExpectSymbol(')');
     parser.ExpectEnd();
-    dbase::DbfTable::Create(folder_ / (name + ".dbf"), name, fields);
+    if (std::optional<fs::path> existing = FindTableFile(name)) {
+      RaiseDbaseError("File " + existing->string() + " already exists.");
+    }
+    dbase::DbfTable::Create(folder_ / FileName(name), name, fields);
   }
 
   int64_t Insert(Parser& parser) {
