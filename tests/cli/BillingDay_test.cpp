@@ -33,7 +33,7 @@ TEST(BillingDayTest, LastWeeksFeesAreBilledTodayCheckedAndWrittenForTheErp) {
   // Two terms: weekly in two spans, monthly in three.
   EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbItemCondicaoPagamento"), "5");
   // Monday 02/03 by the weekly term: Sunday to Tuesday, billed Wednesday 04/03, due Friday 06/03.
-  EXPECT_NE(out.find("02/03/2026 segunda  Semanal  1 to 3    04/03/2026 quarta  06/03/2026 sexta"), std::string::npos)
+  EXPECT_NE(out.find("02/03/2026 segunda  Semanal  1 to 3    04/03/2026 quarta   06/03/2026 sexta"), std::string::npos)
       << out;
   // Every bus company's fees of Wednesday to Saturday are billed today,
   // due Wednesday: one receivable each, for the sum of its four days.
