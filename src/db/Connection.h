@@ -72,6 +72,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // statement the session sends.
   const StatementHook& StatementObserver() const { return hook_; }
   const StatementHook& OnStatement() const { return hook_; }
+  // The hook set last (empty when none), for a connection opened on the
+  // same work that reports where this one does.
+  const StatementHook& CurrentHook() const { return hook_; }
 
   // The clock that the database's getdate() reads (the system clock unless set).
   void SetClock(std::shared_ptr<Clock> clock);

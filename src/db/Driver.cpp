@@ -6,6 +6,7 @@
 #include "vek/db/dbase/DbaseDriver.h"
 #include "vek/db/odbc/OdbcDriver.h"
 #include "vek/db/sqlite/SqliteDriver.h"
+#include "vek/db/workbook/WorkbookDriver.h"
 #include "vek/platform/Text.h"
 
 namespace vek {
@@ -109,6 +110,9 @@ std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::fu
       RaiseDbError(adErrUnspecified, "dBase", "Only free tables are supported (SourceType=DBF).");
     }
     return OpenDbaseDriver(FirstOf(parts, {"sourcedb"}), std::move(now));
+  // Jet's Excel connection: the workbook file itself is the database.
+  if (FoldCase(FirstOf(parts, {"extended properties"})).starts_with("excel")) {
+    return OpenWorkbookDriver(database);
   }
   // A data source name, or any driver but SQLite's, is reached through ODBC.
   const bool odbc = driver.empty() ? parts.contains("dsn") : driver.find("sqlite") == std::string::npos;
