@@ -95,6 +95,8 @@
 #include "vek/revenue/cgdItemRateioMovimentoED.h"
 #include "vek/revenue/cgdItensMapaMovimentoED.h"
 #include "vek/revenue/cgdItensRateioMovimentoED.h"
+#include "vek/revenue/MonthlyWorkbookTemplate.h"
+#include "vek/revenue/cgdApuracaoReceita_Tarifas.h"
 #include "vek/revenue/cgdTarifa.h"
 #include "vek/revenue/cgdTarifas.h"
 #include "vek/revenue/cgdTipoReceita.h"
