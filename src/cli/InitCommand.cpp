@@ -20,6 +20,7 @@
 #include "vek/platform/ProfileFile.h"
 #include "vek/platform/Text.h"
 #include "vek/revenue/MicrosigaTitles.h"
+#include "vek/revenue/MonthlyWorkbookTemplate.h"
 #include "vek/schema/CreateDatabase.h"
 #include "vek/schema/ReportDatabase.h"
 
@@ -175,6 +176,11 @@ void MakeTemplatesFolder(const fs::path& folder, std::ostream& out) {
   const bool titles_existed = fs::exists(templates / "SE1.dbf");
   if (!titles_existed) CreateMicrosigaTitleTable(templates, "SE1");
   out << "template  " << (templates / "SE1.dbf").string() << (titles_existed ? " (already there)" : "") << "\n";
+  // The monthly movement workbook's template; one the owner changed is kept.
+  const fs::path monthly_workbook = templates / "MovimentoMensal.xlsx";
+  const bool monthly_workbook_existed = fs::exists(monthly_workbook);
+  if (!monthly_workbook_existed) WriteMonthlyWorkbookTemplate(monthly_workbook);
+  out << "template  " << monthly_workbook.string() << (monthly_workbook_existed ? " (already there)" : "") << "\n";
 }
 
 }  // namespace

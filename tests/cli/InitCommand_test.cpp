@@ -1,5 +1,6 @@
 #include "support/TerminalDatabase.h"
 #include "cli/Commands.h"
+#include "vek/db/workbook/WorkbookFile.h"
 #include "vek/vek.h"
 
 #include <gtest/gtest.h>
@@ -51,8 +52,19 @@ TEST_F(InitCommandTest, MakesAFolderWhoseSettingsLoadAndWhoseDatabasesHaveTheirR
             std::string::npos) << out.str();
                            "folder    " + (folder / "Modelos").string() + "\n" +
                            "template  " + (folder / "Modelos" / "SE1.dbf").string() + "\n");
+                           "folder    " + (folder / "Modelos").string() + "\n" +
+                           "template  " + (folder / "Modelos" / "MovimentoMensal.xlsx").string() + "\n");
   EXPECT_TRUE(fs::is_directory(folder / "Modelos"));
   EXPECT_TRUE(fs::is_regular_file(folder / "MDESTACIONAMENTO.db"));
+  // The monthly workbook's template: DADOS with its headings and a row per day.
+  workbook::WorkbookFile monthly(folder / "Modelos" / "MovimentoMensal.xlsx");
+  EXPECT_EQ(monthly.SheetNames(), (std::vector<std::string>{"DADOS", "Resumo"}));
+  workbook::Sheet& data = monthly.Worksheet("DADOS");
+  for (size_t column = 0; column < kMonthlyWorkbookHeadings.size(); ++column) {
+    EXPECT_EQ(CStr(data.Value(1, static_cast<int32_t>(column))), kMonthlyWorkbookHeadings[column]);
+  }
+  EXPECT_EQ(data.LastRow(), 32);
+  EXPECT_EQ(CLng(data.Value(32, 0)), 31);
   // Vek.ini holds the database password: its owner alone reads it.
   EXPECT_EQ(fs::status(folder / "Vek.ini").permissions(), fs::perms::owner_read | fs::perms::owner_write);
 
