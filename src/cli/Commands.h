@@ -11,6 +11,8 @@
 #include <string>
 #include <ostream>
 
+#include "vek/platform/Date.h"
+
 namespace vek::cli {
 
 void AddSqlCommand(CLI::App& app);
@@ -23,6 +25,9 @@ void AddReportCommand(CLI::App& app);
 // "vek export", the group of the exports, and its commands.
 CLI::App& AddExportGroup(CLI::App& app);
 void AddExportDbfCommand(CLI::App& export_group);
+// The "export" group, made by the first export command that asks for it.
+CLI::App& ExportCommandGroup(CLI::App& app);
+void AddExportWorkbookCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -79,5 +84,12 @@ void PrintTillReport(const std::filesystem::path& folder, int32_t till, std::ost
 // The session's progress window is a bar on stderr when `progress_bar`.
 void ExportDbf(const std::filesystem::path& terminal, Date from, Date to, const std::filesystem::path& folder,
                const std::string& table, std::ostream& out, bool progress_bar);
+// vek export workbook's work: opens the terminal of `folder` as its programs
+// do and writes the monthly movement workbook of the days `from` to `to`
+// into `file` (made from the folder's Modelos/MovimentoMensal.xlsx when it
+// is not there), one day at a time, with a bar on stderr when asked. Raises
+// 0x80040458 for a folder without Vek.ini, and what the export raises.
+void ExportMonthlyWorkbook(const std::filesystem::path& folder, Date from, Date to, const std::filesystem::path& file,
+                           bool progress_bar, std::ostream& out);
 
 }  // namespace vek::cli

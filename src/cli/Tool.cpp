@@ -37,6 +37,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddYardCommand(app);
   AddReportCommand(app);
   AddExportDbfCommand(AddExportGroup(app));
+  AddExportWorkbookCommand(app);
 
   const bool redirect = &out != &std::cout;
   try {
