@@ -15,6 +15,7 @@ std::vector<DayStep> DaySteps() {
       AssessmentDay,
       MapsDay,
       BillingDay,
+      WorkbookDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

@@ -71,6 +71,7 @@ std::vector<DayStep> TillReportsDay();
 std::vector<DayStep> AssessmentDay();
 std::vector<DayStep> MapsDay();
 std::vector<DayStep> BillingDay();
+std::vector<DayStep> WorkbookDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
