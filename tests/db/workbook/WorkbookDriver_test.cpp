@@ -21,7 +21,9 @@ using testing::ErrorOf;
 
 // A part of the package as unzip, another program, reads it.
 std::string Part(const fs::path& file, const std::string& part) {
-  const std::string command = "unzip -p '" + file.string() + "' '" + part + "'";
+  std::string pattern;  // unzip reads [ and ] as a wildcard's
+  for (char c : part) pattern += (c == '[' || c == ']') ? std::string("\\") + c : std::string(1, c);
+  const std::string command = "unzip -p '" + file.string() + "' '" + pattern + "'";
   std::string text;
   if (FILE* pipe = ::popen(command.c_str(), "r")) {
     char buffer[4096];
