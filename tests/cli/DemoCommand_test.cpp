@@ -133,6 +133,10 @@ TEST_F(DemoCommandTest, TheOutputNamesEveryStepLinesUpByCharactersAndIsTheSameEv
         << heading;
   }
   EXPECT_NE(first.find("A day at the terminal, 02/03/2026 06:00"), std::string::npos) << first;
+  // The monthly workbook is left in the demo folder, its path printed.
+  const fs::path workbook = fs::canonical(folder_) / "MovimentoMensal-2026-03.xlsx";
+  EXPECT_NE(first.find("  written to " + workbook.string() + "\n"), std::string::npos) << first;
+  EXPECT_TRUE(fs::is_regular_file(workbook));
   // First access before the users, not after.
   const size_t before = first.find("EPrimeiroAcesso = True");
   const size_t after = first.find("EPrimeiroAcesso = False");
