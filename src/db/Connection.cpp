@@ -8,6 +8,7 @@
 #include "vek/db/Recordset.h"
 #include "vek/db/StatementShape.h"
 #include "vek/db/dialect/AccessTranslator.h"
+#include "vek/db/backup/BackupStatement.h"
 #include "vek/db/dialect/PostgresTranslator.h"
 #include "vek/db/dialect/SqliteTranslator.h"
 #include "vek/db/dialect/Statements.h"
@@ -180,6 +181,11 @@ QueryResult Connection::RunStatement(const std::string& text, std::span<const Va
                                      bool translate) {
   Driver& driver = OpenDriverOrRaise("ADODB.Connection");
   NotifyStatement(text);
+  // A backup is no query: the driver carries it out (or hands it to the server) as built.
+  if (backup::IsBackupStatement(text)) {
+    RefuseMoreThanOneStatement(text);
+    return driver.Backup(text);
+  }
   const Dialect dialect = driver.SqlDialect();
   if (dialect == Dialect::PostgreSQL) TellServerTheTime(driver);
   // SQL Server's own text is not shaped: bound, its literals would change

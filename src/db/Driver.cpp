@@ -57,6 +57,10 @@ int32_t ColumnSet::IndexOf(std::string_view name) const {
   return hit == by_name_.end() ? -1 : hit->second;
 }
 
+QueryResult Driver::Backup(const std::string& /*text*/) {
+  RaiseDbError(adErrUnspecified, "vek", "This provider can't run BACKUP DATABASE.");
+}
+
 std::string InsertText(const RowWrite& row, const std::string& table, const NameQuoter& quote) {
   std::string text = "INSERT INTO " + table;
   if (row.columns.empty()) return text + " DEFAULT VALUES";

@@ -95,6 +95,10 @@ class Driver {
   // Calls a stored procedure of the database with the parameters in order
   // and sets the output ones; raises VekError when there is no such procedure.
   virtual void CallProcedure(const std::string& name, Parameters& parameters) = 0;
+  // Carries out SQL Server's BACKUP DATABASE text as built (the server runs
+  // it; an engine without it writes the backup media file itself). Raises
+  // 0x80004005 on a provider that can't back up.
+  virtual QueryResult Backup(const std::string& text);
   // Releases the engine's handles; never throws.
   virtual void Close() noexcept = 0;
 };

@@ -13,6 +13,7 @@
 
 #include "vek/db/Command.h"
 #include "vek/db/DbError.h"
+#include "vek/db/backup/ServerDump.h"
 #include "vek/db/dialect/ColumnKinds.h"
 #include "vek/platform/VekError.h"
 #include "vek/platform/Text.h"
@@ -526,8 +527,13 @@ std::optional<int64_t> IdentityOf(const Variant& value) {
 
 class OdbcDriver final : public Driver {
  public:
-  OdbcDriver(EnvironmentHandle environment, ConnectionHandle connection, Dialect dialect)
-      : environment_(std::move(environment)), connection_(std::move(connection)), dialect_(dialect) {}
+  OdbcDriver(EnvironmentHandle environment, ConnectionHandle connection, Dialect dialect,
+             std::string connection_string, std::function<Date()> now)
+      : environment_(std::move(environment)),
+        connection_(std::move(connection)),
+        dialect_(dialect),
+        connection_string_(std::move(connection_string)),
+        now_(std::move(now)) {}
   ~OdbcDriver() override { Close(); }
 
   Dialect SqlDialect() const override { return dialect_; }
@@ -617,6 +623,33 @@ class OdbcDriver final : public Driver {
         parameter.Value(OutputValue(bound[static_cast<size_t>(i)], kinds[static_cast<size_t>(i)]));
       }
     }
+  }
+
+  QueryResult Backup(const std::string& text) override {
+    if (!connection_) RaiseDbError(adErrUnspecified, kSource, "The connection is closed.");
+    if (dialect_ == Dialect::PostgreSQL) {
+      return backup::BackupServerDatabase(backup::ServerFromConnectionString(connection_string_),
+                                          backup::ParseBackupStatement(text, kSource), now_());
+    }
+    // SQL Server runs it, outside any transaction. Over ODBC a backup sends
+    // a message per STATS step; until each is read the server may hold the
+    // backup halfway, so every result and message is read to the end.
+    Check(SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_AUTOCOMMIT, reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), 0),
+          SQL_HANDLE_DBC, connection_.Get());
+    StatementHandle handle = StatementHandle::Allocate(SQL_HANDLE_DBC, connection_.Get());
+    SQLHSTMT statement = handle.Get();
+    WideString wide = Wide(text);
+    SQLRETURN code = SQLExecDirectW(statement, wide.data(), static_cast<SQLINTEGER>(wide.size()));
+    while (code != SQL_NO_DATA) {
+      Check(code, SQL_HANDLE_STMT, statement);
+      SQLSMALLINT columns = 0;
+      Check(SQLNumResultCols(statement, &columns), SQL_HANDLE_STMT, statement);
+      if (columns > 0) {
+        while ((code = SQLFetch(statement)) != SQL_NO_DATA) Check(code, SQL_HANDLE_STMT, statement);
+      }
+      code = SQLMoreResults(statement);
+    }
+    return QueryResult{};
   }
 
   void Close() noexcept override {
@@ -974,6 +1007,8 @@ class OdbcDriver final : public Driver {
   EnvironmentHandle environment_;
   ConnectionHandle connection_;
   Dialect dialect_;
+  std::string connection_string_;  // what the server's client tools connect with
+  std::function<Date()> now_;
   std::unordered_map<std::string, CachedStatement> statements_;
   std::list<std::string> lru_;
   std::unordered_map<std::string, std::vector<std::string>> tables_;
@@ -992,7 +1027,7 @@ Dialect DialectOf(SQLHDBC connection) {
 
 }  // namespace
 
-std::unique_ptr<Driver> OpenOdbcDriver(const std::string& connection_string, std::function<Date()> /*now*/) {
+std::unique_ptr<Driver> OpenOdbcDriver(const std::string& connection_string, std::function<Date()> now) {
   EnvironmentHandle environment = EnvironmentHandle::Allocate(SQL_HANDLE_ENV, SQL_NULL_HANDLE);
   Check(SQLSetEnvAttr(environment.Get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0),
         SQL_HANDLE_ENV, environment.Get());
@@ -1010,7 +1045,8 @@ std::unique_ptr<Driver> OpenOdbcDriver(const std::string& connection_string, std
         SQL_HANDLE_DBC, connection.Get());
   connection.MarkConnected();
   const Dialect dialect = DialectOf(connection.Get());
-  return std::make_unique<OdbcDriver>(std::move(environment), std::move(connection), dialect);
+  return std::make_unique<OdbcDriver>(std::move(environment), std::move(connection), dialect, connection_string,
+                                      std::move(now));
 }
 
 }  // namespace vek

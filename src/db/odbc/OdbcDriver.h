@@ -27,8 +27,8 @@
 namespace vek {
 
 // Connects; raises VekError (Source "ODBC", the driver's message) when it
-// can't. The dialect comes from the server's DBMS name. `now` is kept for
-// parity with the embedded driver: the server's clock answers getdate().
+// can't. The dialect comes from the server's DBMS name. The server's clock
+// answers getdate(); `now` dates the backup sets the driver writes.
 std::unique_ptr<Driver> OpenOdbcDriver(const std::string& connection_string, std::function<Date()> now);
 
 }  // namespace vek

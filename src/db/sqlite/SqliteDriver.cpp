@@ -9,6 +9,7 @@
 
 #include "vek/db/DateText.h"
 #include "vek/db/DbError.h"
+#include "vek/db/backup/SqliteBackup.h"
 #include "vek/db/dialect/ColumnKinds.h"
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/platform/Text.h"
@@ -252,6 +253,11 @@ class SqliteDriver final : public Driver {
   // connection in C++, so a call that reaches the driver names none.
   void CallProcedure(const std::string& name, Parameters& /*parameters*/) override {
     RaiseDbError(adErrSyntax, kSource, "Could not find stored procedure '" + name + "'.");
+  }
+
+  // The engine has no BACKUP DATABASE: the driver writes the media file.
+  QueryResult Backup(const std::string& text) override {
+    return backup::BackupSqliteDatabase(db_.get(), backup::ParseBackupStatement(text, kSource), now_());
   }
 
   void Close() noexcept override {
