@@ -50,6 +50,18 @@ inline std::string NameInMessage(std::string_view name) {
     }                                                  \
   } while (0)
 
+// What BACKUP DATABASE writes as sets: SQLite's own pages, or a dump of the
+// server's tools, where a differential set is a whole dump and the backup
+// log says so in one more line.
+inline std::string FullSetKind() { return OnPostgres() ? "full (pg_dump)" : "full"; }
+inline std::string DifferentialSetKind() {
+  return OnPostgres() ? "differential taken as full (pg_dump)" : "differential";
+}
+inline std::vector<std::string> DifferentialBackupNote() {
+  if (!OnPostgres()) return {};
+  return {"Backup diferencial gravado como completo: o PostgreSQL não tem backup diferencial"};
+}
+
 struct TerminalDatabase;
 // Removes the access-control database MDESTACIONAMENTO (an attached file on
 // SQLite, a schema on PostgreSQL), for the tests of a terminal without it.
