@@ -12,6 +12,9 @@
 #include <ostream>
 
 #include "vek/platform/Date.h"
+namespace vek {
+struct BackupCheck;
+}
 
 namespace vek::cli {
 
@@ -28,6 +31,7 @@ void AddExportDbfCommand(CLI::App& export_group);
 // The "export" group, made by the first export command that asks for it.
 CLI::App& ExportCommandGroup(CLI::App& app);
 void AddExportWorkbookCommand(CLI::App& app);
+void AddRestoreCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -91,5 +95,18 @@ void ExportDbf(const std::filesystem::path& terminal, Date from, Date to, const 
 // 0x80040458 for a folder without Vek.ini, and what the export raises.
 void ExportMonthlyWorkbook(const std::filesystem::path& folder, Date from, Date to, const std::filesystem::path& file,
                            bool progress_bar, std::ostream& out);
+// vek restore's work: prints every set of the backup file with its state,
+// then (unless verify_only) restores it; returns 0, or 1 when verify_only
+// found a set damaged or cut short. Raises what RestoreBackup raises.
+struct RestoreArguments {
+  std::string file;
+  std::string to;
+  std::string server;
+  bool verify_only = false;
+  bool force = false;
+};
+int RunRestore(const RestoreArguments& arguments, std::ostream& out);
+// One line per set: number, kind, time, size, pages, name, and "ok" or what is wrong.
+void PrintBackupSets(const BackupCheck& check, std::ostream& out);
 
 }  // namespace vek::cli

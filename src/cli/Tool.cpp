@@ -38,6 +38,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddReportCommand(app);
   AddExportDbfCommand(AddExportGroup(app));
   AddExportWorkbookCommand(app);
+  AddRestoreCommand(app);
 
   const bool redirect = &out != &std::cout;
   try {
