@@ -16,6 +16,7 @@ std::vector<DayStep> DaySteps() {
       MapsDay,
       BillingDay,
       WorkbookDay,
+      BackupDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

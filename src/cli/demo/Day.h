@@ -72,6 +72,7 @@ std::vector<DayStep> AssessmentDay();
 std::vector<DayStep> MapsDay();
 std::vector<DayStep> BillingDay();
 std::vector<DayStep> WorkbookDay();
+std::vector<DayStep> BackupDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
