@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -50,9 +49,12 @@ void AutomaticBackup(DayContext& day) {
 
   const fs::path bak = local / "VekBkp.bak";
   day.out << "  " << bak.string() << ", its sets:\n";
-  std::ostringstream sets;
-  PrintBackupSets(VerifyBackup(bak), sets);
-  day.out << sets.str();
+  const BackupCheck check = VerifyBackup(bak);
+  PrintBackupSets(check, day.out);
+  if (check.sets.size() > 1) {
+    day.out << "  The differential set holds the pages changed since the full set: " << check.sets.back().pages
+            << (check.sets.back().pages == 0 ? " (nothing was written in between)" : "") << "\n";
+  }
   PrintFacts(day.out, {{"VekBkp.bak", Size(bak)},
                        {"VekBkp.zip", Size(local / "VekBkp.zip")},
                        {"mirror copy", (mirror / "VekBkp.zip").string() + ", " + Size(mirror / "VekBkp.zip")},
@@ -76,7 +78,8 @@ void VerifiedRestore(DayContext& day) {
   day.out << "; SQLite's integrity check: ok\n";
 
   // Every table of the terminal, row for row, against the live database.
-  Connection restored;
+  auto restored_connection = std::make_shared<Connection>();  // connections are shared objects
+  Connection& restored = *restored_connection;
   restored.Open("Driver=SQLite3;Database=" + scratch.string());
   int32_t tables = 0;
   int64_t rows = 0;
