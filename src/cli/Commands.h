@@ -5,13 +5,12 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
-#include "vek/platform/Date.h"
-
 #include <filesystem>
-#include <string>
 #include <ostream>
+#include <string>
 
 #include "vek/platform/Date.h"
+
 namespace vek {
 struct BackupCheck;
 }
@@ -28,9 +27,7 @@ void AddReportCommand(CLI::App& app);
 // "vek export", the group of the exports, and its commands.
 CLI::App& AddExportGroup(CLI::App& app);
 void AddExportDbfCommand(CLI::App& export_group);
-// The "export" group, made by the first export command that asks for it.
-CLI::App& ExportCommandGroup(CLI::App& app);
-void AddExportWorkbookCommand(CLI::App& app);
+void AddExportWorkbookCommand(CLI::App& export_group);
 void AddRestoreCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the

@@ -97,10 +97,4 @@ void AddExportDbfCommand(CLI::App& export_group) {
   });
 }
 
-CLI::App& AddExportGroup(CLI::App& app) {
-  CLI::App* group = app.add_subcommand("export", "Run the terminal's exports on the terminal of a folder");
-  group->require_subcommand(1);
-  return *group;
-}
-
 }  // namespace vek::cli

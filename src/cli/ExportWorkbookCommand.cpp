@@ -94,19 +94,9 @@ void ExportMonthlyWorkbook(const fs::path& folder, Date from, Date to, const fs:
       << days << (days == 1 ? " day" : " days") << " into " << workbook.string() << "\n";
 }
 
-CLI::App& ExportCommandGroup(CLI::App& app) {
-  try {
-    return *app.get_subcommand("export");
-  } catch (const CLI::OptionNotFound&) {
-    CLI::App* group = app.add_subcommand("export", "Write a terminal's exports (the monthly workbook, ...)");
-    group->require_subcommand(1);
-    return *group;
-  }
-}
-
-void AddExportWorkbookCommand(CLI::App& app) {
+void AddExportWorkbookCommand(CLI::App& export_group) {
   auto options = std::make_shared<ExportWorkbookOptions>();
-  CLI::App* command = ExportCommandGroup(app).add_subcommand(
+  CLI::App* command = export_group.add_subcommand(
       "workbook", "Write the monthly movement workbook (sheet DADOS, one row per day) of the days --from to --to");
   command->add_option("paths", options->paths, "[DIR] FILE: the terminal folder (default .) and the .xlsx to write "
                                                "(made from DIR/Modelos/MovimentoMensal.xlsx when missing)")

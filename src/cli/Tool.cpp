@@ -25,6 +25,12 @@ class CoutRedirect {
 
 }  // namespace
 
+CLI::App& AddExportGroup(CLI::App& app) {
+  CLI::App* group = app.add_subcommand("export", "Write the terminal's exports (the monthly workbook, the ERP's dBase table)");
+  group->require_subcommand(1);
+  return *group;
+}
+
 int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
   CLI::App app{"vek - data-persistence layer of the bus-terminal administration suite", "vek"};
   app.set_version_flag("-V,--version", std::string("vek ") + kVersion);
@@ -36,8 +42,9 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddTimetableCommand(app);
   AddYardCommand(app);
   AddReportCommand(app);
-  AddExportDbfCommand(AddExportGroup(app));
-  AddExportWorkbookCommand(app);
+  CLI::App& exports = AddExportGroup(app);
+  AddExportDbfCommand(exports);
+  AddExportWorkbookCommand(exports);
   AddRestoreCommand(app);
 
   const bool redirect = &out != &std::cout;

@@ -68,13 +68,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // removes the current one.
   void OnStatement(StatementHook hook);
   // The hook set (empty when none): a data manager that opens a connection of
-  // its own (the report database) hands it on, so one hook sees every
-  // statement the session sends.
-  const StatementHook& StatementObserver() const { return hook_; }
+  // its own (the report database, a workbook) hands it on, so one hook sees
+  // every statement the session sends.
   const StatementHook& OnStatement() const { return hook_; }
-  // The hook set last (empty when none), for a connection opened on the
-  // same work that reports where this one does.
-  const StatementHook& CurrentHook() const { return hook_; }
 
   // The clock that the database's getdate() reads (the system clock unless set).
   void SetClock(std::shared_ptr<Clock> clock);

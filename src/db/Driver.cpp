@@ -106,6 +106,11 @@ std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::fu
   const auto parts = ParseConnectionString(connection_string);
   const std::string driver = FoldCase(FirstOf(parts, {"driver", "provider"}));
   const std::string database = FirstOf(parts, {"database", "data source", "dbq"});
+  // Jet's Excel connection: the workbook file itself is the database.
+  if (FoldCase(FirstOf(parts, {"extended properties"})).starts_with("excel")) {
+    return OpenWorkbookDriver(database);
+  }
+  // Any other Jet connection opens the report database.
   if (driver.starts_with("microsoft.jet.oledb")) return OpenReportDatabaseDriver(database, std::move(now));
   // The Visual FoxPro driver on a folder of free tables is the dBase provider.
   if (driver.find("visual foxpro") != std::string::npos) {
@@ -114,9 +119,6 @@ std::unique_ptr<Driver> OpenDriver(const std::string& connection_string, std::fu
       RaiseDbError(adErrUnspecified, "dBase", "Only free tables are supported (SourceType=DBF).");
     }
     return OpenDbaseDriver(FirstOf(parts, {"sourcedb"}), std::move(now));
-  // Jet's Excel connection: the workbook file itself is the database.
-  if (FoldCase(FirstOf(parts, {"extended properties"})).starts_with("excel")) {
-    return OpenWorkbookDriver(database);
   }
   // A data source name, or any driver but SQLite's, is reached through ODBC.
   const bool odbc = driver.empty() ? parts.contains("dsn") : driver.find("sqlite") == std::string::npos;

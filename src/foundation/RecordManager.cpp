@@ -61,9 +61,8 @@ bool RecordManager::KeyMissing() {
 
 std::string RecordManager::KeyLiteral(std::string_view column) {
   const schema::ColumnDef* definition = table_->FindColumn(column);
+  // A day in a key (a closing's, a map's) is written as a date literal in the session's format.
   if (IsDateColumn(definition)) return DateKeyLiteral(column);
-  // A day in a key (a closing's) is written as a date literal in the session's format.
-  if (IsDateColumn(definition)) return DateSemHoraToSql(CDate(RecordObject().Get(column)), *Ob_cgpSistema());
   return KeyLiteral(column, definition && IsTextColumn(*definition));
 }
 
@@ -96,8 +95,6 @@ void RecordManager::AppendKeyClauses(std::string& text, bool for_delete, bool ze
       text += key.text ? "''" : "0";
     } else if (key.text) {
       text += KeyLiteral(key.name, true);
-    } else if (key.date) {
-      text += DateKeyLiteral(key.name);
     } else {
       // A numeric key goes in as digits without a string of its own.
       char digits[16];
@@ -197,9 +194,6 @@ std::string RecordManager::SelectByKey(bool semicolon, bool zero_keys) {
   std::string text = select_start_;
   bool first = true;
   for (const KeyColumn& key : keys_) {
-    const std::string value = zero_keys  ? (key.text ? "''" : "0")
-                              : key.date ? DateKeyLiteral(key.name)
-                                         : KeyLiteral(key.name, key.text);
     const std::string value = key.date    ? DateKeyLiteral(key, zero_keys)
                               : zero_keys ? (key.text ? "''" : "0")
                                           : KeyLiteral(key.name, key.text);

@@ -146,7 +146,6 @@ class RecordManager : public DataManager {
   struct KeyColumn {
     std::string name;
     bool text = false;
-    bool date = false;
     bool date = false;  // written as the session's date literal; Date() stands for 0
     std::string delete_head;  // "WHERE  Cd_X = " or "       And Cd_X = "
     std::string select_head;  // "WHERE  A.Cd_X = " or "       and A.Cd_X = "

@@ -305,7 +305,7 @@ void cgdApuracaoReceita_Tarifas::ExportarExcel2000(Date Dt_Inicio, Date Dt_Fim, 
     opened.connection = std::make_shared<Connection>();
     // A connection the export opens reports its statements where the
     // session's connection does.
-    opened.connection->OnStatement(SessionConnection()->CurrentHook());
+    opened.connection->OnStatement(SessionConnection()->OnStatement());
     RunStep(session, [&] {
       opened.connection->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + Ds_CaminhoEArquivo +
                               ";Extended Properties=Excel 8.0;");

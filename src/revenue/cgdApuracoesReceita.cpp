@@ -199,7 +199,7 @@ void cgdApuracoesReceita::GerarArqTempApuracaoPorEmpresa(Date Dt_Inicial, Date D
   Run("GerarArqTempApuracaoPorEmpresa", [&] {
     OpenedObjects opened;
     opened.report = OpenReportDatabase(*Ob_cgpSistema());
-    opened.report->OnStatement(SessionConnection()->StatementObserver());
+    opened.report->OnStatement(SessionConnection()->OnStatement());
     opened.report->Execute(SqlLines() << "DELETE " << "FROM cgrApuracaoReceita3;");
     opened.rows = std::make_shared<Recordset>();
     opened.rows->Open("cgrApuracaoReceita3", opened.report, adOpenKeyset, adLockOptimistic, adCmdTable);

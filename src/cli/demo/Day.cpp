@@ -11,11 +11,11 @@ std::vector<DayStep> DaySteps() {
       BusDay,
       TillOpeningDay,
       ParkingDay,
-      TillReportsDay,
       AssessmentDay,
-      MapsDay,
+      TillReportsDay,
       BillingDay,
       WorkbookDay,
+      MapsDay,
       BackupDay,
   };
   std::vector<DayStep> steps;
