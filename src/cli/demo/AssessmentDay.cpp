@@ -15,9 +15,6 @@ namespace {
 
 using Align = TextTable::Align;
 
-// The cashier's till of the day, the one the car park's exits and the
-// restroom's sales were paid into.
-constexpr int32_t kTill = 1;
 // The boarding fee the registry's morning set up.
 constexpr const char* kBoardingTariff = "Taxa de embarque intermunicipal";
 
@@ -55,7 +52,7 @@ int32_t Assess(const DayContext& day, int32_t type, int32_t payer, Date first, D
   record->Let("Vl_ApuracaoReceita", amount);
   record->Let("Dt_Inicial", first);
   record->Let("Dt_Final", last);
-  record->Let("Cd_Caixa", type == 1 ? 0 : kTill);
+  record->Let("Cd_Caixa", type == 1 ? 0 : day.facts.till);
   record->Let("Ic_TotalizacaoDeCaixa", till_total);
   header.Salvar();
   const int32_t number = CLng(record->Get("No_ApuracaoReceita"));
@@ -155,7 +152,7 @@ void MonthlyPayments(DayContext& day) {
     table.AddRow({std::to_string(person), cells.at(1), std::to_string(number), Money(fee),
                   Shown(client.ObterDataFinalUltimaMensalidadeEstacionamento())});
   }
-  day.out << "  The monthly clients pay " << Shown(first) << " to " << Shown(last) << " at till " << kTill
+  day.out << "  The monthly clients pay " << Shown(first) << " to " << Shown(last) << " at till " << day.facts.till
           << " (revenue type 2, Ic_TotalizacaoDeCaixa 0), and the paid period is read back "
              "(cgdClienteEstacionament.ObterDataFinalUltimaMensalidadeEstacionamento):\n";
   table.Print(day.out);
@@ -164,7 +161,7 @@ void MonthlyPayments(DayContext& day) {
 void TillTotalling(DayContext& day) {
   const Date today = Today(day);
   const std::string company = std::to_string(day.facts.company);
-  const std::string till = std::to_string(kTill);
+  const std::string till = std::to_string(day.facts.till);
   // What the till took: the car park's charge lines, the restroom's sales and the monthly fees.
   auto rows = day.session->Ob_Conexao()->Execute(
       "SELECT A.Cd_Tarifa, A.Qt_Unidade As Qt, A.Vl_Tarifa FROM TbTicketEstacionamento_TbTarifa A "
@@ -196,11 +193,11 @@ void TillTotalling(DayContext& day) {
                   Money(line.price * line.quantity)});
   }
   const int32_t number = Assess(day, 2, day.facts.company_person, today, today, true, lines);
-  day.out << "  Till " << kTill << " totalled as assessment " << number
+  day.out << "  Till " << day.facts.till << " totalled as assessment " << number
           << " of the operating company (Ic_TotalizacaoDeCaixa 1), one line per tariff it took:\n";
   table.Print(day.out);
   day.out << "  Total " << Money(total) << "\n\n  The till's assessments (cgdApuracoesReceita.CarregarMSFlexGridDeBusca, "
-          << "A.Cd_Caixa = " << kTill << "):\n";
+          << "A.Cd_Caixa = " << day.facts.till << "):\n";
   PrintAssessments(day, "A.Cd_Caixa = " + till);
 
   auto billed = day.Use<cgdApuracoesReceita>().ConsultarApuracoesAFaturarPorEmpresa(today);
