@@ -1,10 +1,8 @@
 #include "vek/revenue/cgdItensMapaMovimentoED.h"
 
-#include <filesystem>
-
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
-#include "vek/platform/AppPath.h"
+#include "vek/foundation/ReportDatabase.h"
 #include "vek/platform/Controls.h"
 #include "vek/platform/Format.h"
 
@@ -35,19 +33,6 @@ struct MapResources {
   ProgressWindow* progress = nullptr;
 };
 
-// The report file bdTemp of the application folder, made from the template
-// when missing, opened with the Jet string.
-std::shared_ptr<Connection> OpenReportFile(const cgpSistema& session) {
-  namespace fs = std::filesystem;
-  const std::string work = CStr(session.Get("Ds_CaminhoAplicacao"));
-  const fs::path folder = work.empty() ? AppPath() : fs::path(work);
-  const fs::path file = folder / "bdTemp.db";
-  if (!fs::exists(file)) fs::copy_file(folder / "Modelos" / "bdTemp.db", file);
-  auto connection = std::make_shared<Connection>();
-  connection->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file.string() + ";");
-  return connection;
-}
-
 }  // namespace
 
 struct cgdItensMapaMovimentoED::MonthlyMap {
@@ -61,7 +46,8 @@ void cgdItensMapaMovimentoED::FillMonthlyMap(const MonthlyMap& map, Date Dt_Inic
                                              AbrangenciaEnum No_Abrangencia, const std::string& Sg_UFLocal) {
   cgpSistema& session = *Ob_cgpSistema();
   MapResources resources;
-  resources.report = OpenReportFile(session);
+  resources.report = std::make_shared<Connection>();
+  resources.report->Open(PrepareReportDatabase(session));
   ds_sql_ = SqlLines() << "DELETE "
                        << "FROM " + std::string(map.table) + ";";
   resources.report->Execute(ds_sql_);
