@@ -196,10 +196,9 @@ void MonthlyMaps(DayContext& day) {
   auto mapa = day.Use<cgdItensMapaMovimentoED>();
   mapa.GerarArqTempMapaEmbarqueMensal(first, today, AbrangenciaGeral, kLocalState);
   mapa.GerarArqTempMapaDesembarqueMensal(first, today, AbrangenciaGeral, kLocalState);
-  const std::filesystem::path file =
-      std::filesystem::path(CStr(day.session->Get("Ds_CaminhoAplicacao"))) / "bdTemp.db";
+  const std::filesystem::path file = std::filesystem::path(ApplicationFolder(*day.session)) / "bdTemp.db";
   auto report = std::make_shared<Connection>();
-  report->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file.string() + ";");
+  report->Open(PrepareReportDatabase(*day.session));
   std::vector<std::string> days;
   for (Date d = first; d <= today; d = d + 1.0) days.push_back("Qt_Dia" + Format(Variant(Day(d)), "00"));
   for (const auto& [table, title] : {std::pair{"cgrMapaControleEmbarque1", "Boarding map"},
