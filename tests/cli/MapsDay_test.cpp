@@ -61,6 +61,18 @@ TEST(MapsDayTest, TheMapHoldsEveryBoardingOfTheDaysDeparturesAndTheApportionment
     ASSERT_NE(section, std::string::npos) << out;
     EXPECT_EQ(out.find("Total: ", section), out.find("Total: " + total + "\n", section)) << company;
   }
+
+  // The month so far in the report file of the folder: the day's boardings
+  // on day 02, nothing on day 01, no field past the period.
+  EXPECT_NE(out.find("  Written to " + (folder / "bdTemp.db").string() + "\n"), std::string::npos) << out;
+  auto report = std::make_shared<Connection>();
+  report->Open("Driver=SQLite3;Database=" + (folder / "bdTemp.db").string());
+  EXPECT_EQ(Value(*report, "SELECT SUM(Qt_Dia02) FROM cgrMapaControleEmbarque1"), boarded);
+  EXPECT_EQ(Value(*report, "SELECT SUM(Qt_Total) FROM cgrMapaControleEmbarque1"), boarded);
+  EXPECT_EQ(Value(*report, "SELECT SUM(Qt_Dia01) FROM cgrMapaControleEmbarque1"), "0");
+  EXPECT_EQ(Value(*report, "SELECT COUNT(Qt_Dia03) FROM cgrMapaControleEmbarque1"), "0");
+  EXPECT_EQ(Value(*report, "SELECT SUM(Qt_Total) FROM cgrMapaControleDesembarque1"),
+            Value(db, "SELECT SUM(Qt_Desembarques) FROM TbItemMapaMovimentoED"));
 }
 
 }  // namespace

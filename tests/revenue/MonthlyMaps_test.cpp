@@ -9,8 +9,8 @@
 #include "revenue/MovementMap.h"
 #include "support/RecordingControls.h"
 #include "vek/revenue/cgdItensMapaMovimentoED.h"
-#include "vek/schema/Catalogue.h"
-#include "vek/schema/Ddl.h"
+#include "vek/platform/VekError.h"
+#include "vek/schema/ReportDatabase.h"
 
 namespace vek {
 namespace {
@@ -27,14 +27,7 @@ class MonthlyMapsTest : public ::testing::Test {
     mapa.Ob_cgpSistema(db.session);
     // The template the terminal's folder holds.
     fs::create_directories(app.Path() / "Modelos");
-    auto model = std::make_shared<Connection>();
-    model->Open("Driver=SQLite3;Database=" + (app.Path() / "Modelos" / "bdTemp.db").string());
-    for (const char* table : {"cgrMapaControleEmbarque1", "cgrMapaControleDesembarque1"}) {
-      for (const std::string& statement : schema::SqliteTableStatements(*schema::FindTable(table), "")) {
-        model->ExecuteNative(statement);
-      }
-    }
-    model->Close();
+    schema::WriteReportDatabaseTemplate(app.Path() / "Modelos" / "bdTemp.db");
     fs::copy_file(app.Path() / "Modelos" / "bdTemp.db", app.Path() / "bdTemp.db.model");
   }
 
@@ -118,8 +111,8 @@ TEST_F(MonthlyMapsTest, AFailureCarriesTheFeedsLinkAndClosesTheWindow) {
   fs::remove(app.Path() / "Modelos" / "bdTemp.db");
   const VekError missing = testing::ErrorOf(
       [&] { mapa.GerarArqTempMapaDesembarqueMensal(kFriday, kSunday, AbrangenciaGeral, "GO"); });
-  EXPECT_EQ(missing.Number(), static_cast<int32_t>(0x80004005u));
-  EXPECT_EQ(missing.Source(), " -> cgdItensMapaMovimentoED.GerarArqTempMapaDesembarqueMensal, ");
+  EXPECT_EQ(missing.Number(), kFileNotFound);
+  EXPECT_EQ(missing.Source(), "vek -> cgdItensMapaMovimentoED.GerarArqTempMapaDesembarqueMensal, ");
   EXPECT_FALSE(fs::exists(app.Path() / "bdTemp.db"));
 
   // The terminal's map is gone: the window was shown and is closed again.
