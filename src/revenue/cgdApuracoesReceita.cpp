@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
+#include "vek/foundation/ReportDatabase.h"
 #include "vek/foundation/SqlLiterals.h"
-#include "vek/platform/AppPath.h"
 #include "vek/platform/Controls.h"
 #include "vek/platform/Format.h"
 #include "vek/platform/Text.h"
@@ -32,18 +31,6 @@ struct OpenedObjects {
     if (progress) progress->Close();
   }
 };
-
-// The report database: bdTemp in the work folder, made from the template
-// of the application folder when missing.
-std::shared_ptr<Connection> OpenReportDatabase(const cgpSistema& session) {
-  const std::string work = CStr(session.Get("Ds_CaminhoAplicacao"));
-  const std::filesystem::path folder = work.empty() ? AppPath() : std::filesystem::path(work);
-  const std::filesystem::path file = folder / "bdTemp.db";
-  if (!std::filesystem::exists(file)) std::filesystem::copy_file(AppPath() / "Modelos" / "bdTemp.db", file);
-  auto connection = std::make_shared<Connection>();
-  connection->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file.string() + ";");
-  return connection;
-}
 
 Variant ZeroWhenNull(const Variant& value) { return value.IsNull() || value.IsEmpty() ? Variant(0) : value; }
 
@@ -198,8 +185,7 @@ void cgdApuracoesReceita::WriteCompanyRows(Connection& report, Recordset& rows, 
 void cgdApuracoesReceita::GerarArqTempApuracaoPorEmpresa(Date Dt_Inicial, Date Dt_Final) {
   Run("GerarArqTempApuracaoPorEmpresa", [&] {
     OpenedObjects opened;
-    opened.report = OpenReportDatabase(*Ob_cgpSistema());
-    opened.report->OnStatement(SessionConnection()->OnStatement());
+    opened.report = OpenSideConnection(PrepareReportDatabase(*Ob_cgpSistema()));
     opened.report->Execute(SqlLines() << "DELETE " << "FROM cgrApuracaoReceita3;");
     opened.rows = std::make_shared<Recordset>();
     opened.rows->Open("cgrApuracaoReceita3", opened.report, adOpenKeyset, adLockOptimistic, adCmdTable);

@@ -46,8 +46,7 @@ void cgdItensMapaMovimentoED::FillMonthlyMap(const MonthlyMap& map, Date Dt_Inic
                                              AbrangenciaEnum No_Abrangencia, const std::string& Sg_UFLocal) {
   cgpSistema& session = *Ob_cgpSistema();
   MapResources resources;
-  resources.report = std::make_shared<Connection>();
-  resources.report->Open(PrepareReportDatabase(session));
+  resources.report = OpenSideConnection(PrepareReportDatabase(session));
   ds_sql_ = SqlLines() << "DELETE "
                        << "FROM " + std::string(map.table) + ";";
   resources.report->Execute(ds_sql_);
