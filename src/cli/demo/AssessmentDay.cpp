@@ -1,8 +1,10 @@
 // The assessments' part of the demo day: each bus company's boarding fee
 // for the day, counted from its trips; the monthly clients paying their fee
 // at the cashier's till; and the till's totalling, one line per tariff it
-// took (car-park exits, restroom sales, monthly fees).
+// took (car-park exits, restroom sales, monthly fees); later, the
+// per-company boarding report written into the report database.
 
+#include <filesystem>
 #include <map>
 #include <string>
 #include <utility>
@@ -212,6 +214,29 @@ void TillTotalling(DayContext& day) {
   to_bill.Print(day.out);
 }
 
+void ReportDatabase(DayContext& day) {
+  const Date today = Today(day);
+  day.Use<cgdApuracoesReceita>().GerarArqTempApuracaoPorEmpresa(today, today);
+  const std::filesystem::path file = std::filesystem::path(ApplicationFolder(*day.session)) / "bdTemp.db";
+  day.out << "  The day's boardings per company and tariff, with each tariff's share "
+             "(cgdApuracoesReceita.GerarArqTempApuracaoPorEmpresa), written into the report database\n  "
+          << file.string() << " (table cgrApuracaoReceita3, read back through SQL):\n";
+  Connection report;
+  report.Open("Driver=SQLite3;Database=" + file.string());
+  auto rows = report.Execute("SELECT Cd_Pessoa, Nm_Empresa, Dt_Movimento, Qt_Tarifa1, Vl_Tarifa1, Qt_TarifaDia, "
+                             "Vl_TarifaDia, In_Tarifa1 FROM cgrApuracaoReceita3 ORDER BY Cd_Pessoa DESC");
+  TextTable table({{"Cd_Pessoa", Align::Right}, {"Nm_Empresa"}, {"Dt_Movimento"}, {"Qt_Tarifa1", Align::Right},
+                   {"Vl_Tarifa1", Align::Right}, {"Qt_TarifaDia", Align::Right}, {"Vl_TarifaDia", Align::Right},
+                   {"In_Tarifa1", Align::Right}});
+  for (; !rows->Eof(); rows->MoveNext()) {
+    Fields& f = rows->Fields();
+    table.AddRow({Format(f.Item(0).Value()), Format(f.Item(1).Value()), Format(f.Item(2).Value()),
+                  Format(f.Item(3).Value()), Money(CCur(f.Item(4).Value())), Format(f.Item(5).Value()),
+                  Money(CCur(f.Item(6).Value())), Format(f.Item(7).Value(), "0.0000")});
+  }
+  table.Print(day.out);
+}
+
 }  // namespace
 
 std::vector<DayStep> AssessmentDay() {
@@ -219,6 +244,12 @@ std::vector<DayStep> AssessmentDay() {
       {"Boarding assessments of the bus companies", BoardingAssessments},
       {"Monthly clients pay at the till", MonthlyPayments},
       {"The till's totalling", TillTotalling},
+  };
+}
+
+std::vector<DayStep> AssessmentReportDay() {
+  return {
+      {"The boarding report in the report database", ReportDatabase},
   };
 }
 

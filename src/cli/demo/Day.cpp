@@ -17,6 +17,7 @@ std::vector<DayStep> DaySteps() {
       WorkbookDay,
       MapsDay,
       BackupDay,
+      AssessmentReportDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {

@@ -73,6 +73,7 @@ std::vector<DayStep> MapsDay();
 std::vector<DayStep> BillingDay();
 std::vector<DayStep> WorkbookDay();
 std::vector<DayStep> BackupDay();
+std::vector<DayStep> AssessmentReportDay();
 
 // Every step of the day, in order.
 std::vector<DayStep> DaySteps();
