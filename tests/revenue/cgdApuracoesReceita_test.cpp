@@ -107,9 +107,9 @@ class GerarArqTempApuracaoPorEmpresaTest : public cgdApuracoesReceitaTest {
   // a connection of its own.
   std::vector<std::string> Report(const std::string& columns, const std::string& tail = "") {
     testing::LocaleGuard dot(testing::kDotLocale);
-    Connection report;
-    report.Open("Driver=SQLite3;Database=" + (folder.Path() / "bdTemp.db").string());
-    auto rows = report.Execute("SELECT " + columns + " FROM cgrApuracaoReceita3 " + tail);
+    auto report = std::make_shared<Connection>();
+    report->Open("Driver=SQLite3;Database=" + (folder.Path() / "bdTemp.db").string());
+    auto rows = report->Execute("SELECT " + columns + " FROM cgrApuracaoReceita3 " + tail);
     std::vector<std::string> result;
     for (; !rows->Eof(); rows->MoveNext()) {
       std::string line;

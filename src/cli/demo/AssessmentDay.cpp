@@ -221,9 +221,9 @@ void ReportDatabase(DayContext& day) {
   day.out << "  The day's boardings per company and tariff, with each tariff's share "
              "(cgdApuracoesReceita.GerarArqTempApuracaoPorEmpresa), written into the report database\n  "
           << file.string() << " (table cgrApuracaoReceita3, read back through SQL):\n";
-  Connection report;
-  report.Open("Driver=SQLite3;Database=" + file.string());
-  auto rows = report.Execute("SELECT Cd_Pessoa, Nm_Empresa, Dt_Movimento, Qt_Tarifa1, Vl_Tarifa1, Qt_TarifaDia, "
+  auto report = std::make_shared<Connection>();
+  report->Open("Driver=SQLite3;Database=" + file.string());
+  auto rows = report->Execute("SELECT Cd_Pessoa, Nm_Empresa, Dt_Movimento, Qt_Tarifa1, Vl_Tarifa1, Qt_TarifaDia, "
                              "Vl_TarifaDia, In_Tarifa1 FROM cgrApuracaoReceita3 ORDER BY Cd_Pessoa DESC");
   TextTable table({{"Cd_Pessoa", Align::Right}, {"Nm_Empresa"}, {"Dt_Movimento"}, {"Qt_Tarifa1", Align::Right},
                    {"Vl_Tarifa1", Align::Right}, {"Qt_TarifaDia", Align::Right}, {"Vl_TarifaDia", Align::Right},
