@@ -186,9 +186,6 @@ void cgdApuracoesReceita::GerarArqTempApuracaoPorEmpresa(Date Dt_Inicial, Date D
   Run("GerarArqTempApuracaoPorEmpresa", [&] {
     OpenedObjects opened;
     opened.report = OpenSideConnection(PrepareReportDatabase(*Ob_cgpSistema()));
-    opened.report = std::make_shared<Connection>();
-    opened.report->Open(PrepareReportDatabase(*Ob_cgpSistema()));
-    opened.report->OnStatement(SessionConnection()->StatementObserver());
     opened.report->Execute(SqlLines() << "DELETE " << "FROM cgrApuracaoReceita3;");
     opened.rows = std::make_shared<Recordset>();
     opened.rows->Open("cgrApuracaoReceita3", opened.report, adOpenKeyset, adLockOptimistic, adCmdTable);

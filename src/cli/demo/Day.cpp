@@ -15,9 +15,9 @@ std::vector<DayStep> DaySteps() {
       TillReportsDay,
       BillingDay,
       WorkbookDay,
+      AssessmentReportDay,
       MapsDay,
       BackupDay,
-      AssessmentReportDay,
   };
   std::vector<DayStep> steps;
   for (auto part : parts) {
