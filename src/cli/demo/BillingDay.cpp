@@ -52,7 +52,6 @@ Date Today(const DayContext& day) {
   return DateSerial(Year(now), Month(now), Day(now));
 }
 std::string DayText(Date date) { return Format(Variant(date), "dd/mm/yyyy"); }
-std::string SqlDay(Date date) { return "'" + Format(Variant(date), "yyyy-mm-dd") + "'"; }
 std::string WeekdayName(Date date) {
   static const char* const kNames[] = {"", "domingo", "segunda", "terça", "quarta", "quinta", "sexta", "sábado"};
   return kNames[Weekday(date)];
@@ -158,22 +157,19 @@ void DailyClosing(DayContext& day) {
     payers.emplace_back(CLng(companies->Fields().Item(0).Value()), CStr(companies->Fields().Item(1).Value()));
   }
   companies->Close();
-  int32_t number = CLng(connection->Execute("SELECT IsNull(Max(No_ApuracaoReceita), 0) FROM TbApuracaoReceita")
-                            ->Fields()
-                            .Item(0)
-                            .Value());
   for (double back = 5.0; back >= 2.0; back -= 1.0) {  // Wednesday to Saturday
     const Date movement = today - back;
     const Period period = PeriodOf(day, Facts().weekly, movement, kWeekly);
     for (const auto& [payer, name] : payers) {
       const int64_t boardings = 40 + static_cast<int64_t>(day.random() % 60);
       const Currency value = Currency::FromRaw(boardings * 2 * 27500);  // two platforms' fees of R$ 2,75
-      connection->Execute(
-          "INSERT INTO TbApuracaoReceita (Cd_EmpresaUsuariaSistema, No_ApuracaoReceita, Cd_TipoReceita, "
-          "Cd_Pessoa, Dt_Faturamento, Dt_Movimento, Dt_Vencimento, Vl_ApuracaoReceita, No_Parcela) VALUES (" +
-          std::to_string(company) + ", " + std::to_string(++number) + ", 1, " + std::to_string(payer) + ", " +
-          SqlDay(period.billed) + ", " + SqlDay(movement) + ", " + SqlDay(period.due) + ", " +
-          value.ToPlainString() + ", 1)");
+      Save<cgdApuracaoReceita>(day, {{"Cd_EmpresaUsuariaSistema", company},
+                                     {"Cd_TipoReceita", int16_t{1}},
+                                     {"Cd_Pessoa", payer},
+                                     {"Dt_Faturamento", period.billed},
+                                     {"Dt_Movimento", movement},
+                                     {"Dt_Vencimento", period.due},
+                                     {"Vl_ApuracaoReceita", value}});
       fees.AddRow({DayText(movement) + " " + WeekdayName(movement), name, Money(value), DayText(period.billed),
                    DayText(period.due)});
     }
@@ -182,11 +178,7 @@ void DailyClosing(DayContext& day) {
 
   // What is to be billed today, per payer and due date, becomes receivables.
   day.out << "\n  To be billed today, per payer and due date, issued as receivables (cgdContaReceber.Salvar):\n";
-  auto to_bill = connection->Execute(
-      "SELECT   Cd_Pessoa,\r         Dt_Vencimento,\r         Sum(Vl_ApuracaoReceita) as Vl_TotalApuracaoReceita\r"
-      "FROM     TbApuracaoReceita\rWHERE    Dt_Faturamento = '" +
-      Format(Variant(today), CStr(day.session->Get("Ds_FormatoData"))) +
-      "'\rGROUP BY Cd_Pessoa,\r         Dt_Vencimento;\r");
+  auto to_bill = day.Use<cgdApuracoesReceita>().ConsultarApuracoesAFaturarPorEmpresa(today);
   TextTable issued({{"No_ContaReceber", Align::Right}, {"Payer", Align::Right}, {"Due on"}, {"Amount", Align::Right}});
   for (; !to_bill->Eof(); to_bill->MoveNext()) {
     Fields& f = to_bill->Fields();
