@@ -17,7 +17,9 @@ namespace {
 using Align = demo::TextTable::Align;
 using demo::Money;
 
-std::string Moment(const Variant& value) { return value.IsNull() ? std::string() : Format(value, "dd/mm/yyyy hh:Nn"); }
+// A date property the record held Null in reads 30/12/1899: no date either.
+bool NoDate(const Variant& value) { return value.IsNull() || value.IsEmpty() || CDate(value) <= DateSerial(1900, 1, 1); }
+std::string Moment(const Variant& value) { return NoDate(value) ? std::string() : Format(value, "dd/mm/yyyy hh:Nn"); }
 std::string DayText(const Variant& value) { return value.IsNull() ? std::string() : Format(value, "dd/mm/yyyy"); }
 std::string Text(const Variant& value) { return value.IsNull() ? std::string() : Format(value); }
 std::string Amount(const Variant& value) { return value.IsNull() ? std::string() : Money(CCur(value)); }
@@ -75,7 +77,7 @@ void PrintTill(const std::shared_ptr<cgpSistema>& session, int32_t company, int3
   const Variant closing = record->Get("Dt_Fechamento");
   out << "Till " << till << " of company " << company << ": opened " << Moment(opening) << " by user "
       << Text(record->Get("Cd_Usuario")) << " (sequence " << Text(record->Get("No_Sequencial")) << ")"
-      << (closing.IsNull() ? std::string(", open") : ", closed " + Moment(closing)) << "\n";
+      << (NoDate(closing) ? std::string(", open") : ", closed " + Moment(closing)) << "\n";
 
   cgdEmpresaUsuariaSistema empresa;
   empresa.Ob_cgpSistema(session);
@@ -84,8 +86,8 @@ void PrintTill(const std::shared_ptr<cgpSistema>& session, int32_t company, int3
   out << "\nParking exits through the till (rsSaidasCaixa):\n";
   PrintExits(out, *empresa.rsSaidasCaixa(till), false);
 
-  const Date first = opening.IsNull() ? session->Now() : CDate(opening);
-  const Date last = closing.IsNull() ? session->Now() : CDate(closing);
+  const Date first = NoDate(opening) ? session->Now() : CDate(opening);
+  const Date last = NoDate(closing) ? session->Now() : CDate(closing);
   out << "\nParking exits from " << DayText(Variant(first)) << " to " << DayText(Variant(last))
       << " at any till (rsSaidasPeriodo):\n";
   PrintExits(out, *empresa.rsSaidasPeriodo(first, last), true);

@@ -19,7 +19,7 @@ using testing::RunTool;
 class ReportCommandTest : public ::testing::Test {
  protected:
   // A terminal folder whose Vek.ini names company 1, with till 3 of user 2
-  // opened on 02/03/2026: two exits and a restroom sale through it, an exit
+  // opened on 02/03/2026 and closed at 18:00: two exits and a restroom sale through it, an exit
   // through till 4 that day, and a monthly client's payment.
   void MakeTerminal() {
     std::ostringstream ignored;
@@ -28,8 +28,8 @@ class ReportCommandTest : public ::testing::Test {
     auto connection = std::make_shared<Connection>();
     connection->Open("Driver=SQLite3;Database=" + (folder_ / "Vek.db").string());
     for (const char* statement : {
-             "INSERT INTO TbCaixa (Cd_EmpresaUsuariaSistema, Cd_Caixa, Cd_Usuario, Dt_Abertura, No_Sequencial) "
-             "VALUES (1, 3, 2, '2026-03-02 00:00:00', 1)",
+             "INSERT INTO TbCaixa (Cd_EmpresaUsuariaSistema, Cd_Caixa, Cd_Usuario, Dt_Abertura, No_Sequencial, "
+             "Dt_Fechamento) VALUES (1, 3, 2, '2026-03-02 00:00:00', 1, '2026-03-02 18:00:00')",
              "INSERT INTO TbTarifa (Cd_Tarifa, Cd_EmpresaUsuariaSistema, Ds_Tarifa, Vl_Tarifa, Cd_TipoReceita) VALUES "
              "(10, 1, 'Estacionamento - hora', 8, 2), (11, 1, 'Sanitário', 2, 3)",
              "INSERT INTO TbPessoa (Cd_Pessoa, Nm_Pessoa) VALUES (50, 'Mariana Aparecida Santos')",
@@ -50,6 +50,7 @@ class ReportCommandTest : public ::testing::Test {
     connection->Close();
   }
 
+  testing::LocaleGuard dots_{testing::kDotLocale};
   testing::ScratchApp app_;
   const fs::path folder_ = app_.Path() / "terminal";
 };
@@ -68,22 +69,25 @@ TEST_F(ReportCommandTest, ATillsReportsAndItsClosingFeedArePrinted) {
   const testing::ToolRun run = RunTool({"report", "till", folder_.string(), "3"});
   ASSERT_EQ(run.code, 0) << run.err;
   EXPECT_EQ(run.err, "");
-  EXPECT_TRUE(run.out.starts_with("Till 3 of company 1: opened 02/03/2026 00:00 by user 2 (sequence 1), open\n"))
+  EXPECT_TRUE(run.out.starts_with(
+      "Till 3 of company 1: opened 02/03/2026 00:00 by user 2 (sequence 1), closed 02/03/2026 18:00\n"))
       << run.out;
-  EXPECT_NE(Section(run.out, "Parking exits through the till").find("(2 exits, R$ 16"), std::string::npos) << run.out;
-  // The period is the till's day, at any till.
-  EXPECT_NE(Section(run.out, "Parking exits from 02/03/2026 to 02/03/2026").find("(3 exits, R$ 24"),
+  EXPECT_NE(Section(run.out, "Parking exits through the till").find("(2 exits, R$ 16.00)"), std::string::npos) << run.out;
+  // The period is the till's opening day to its closing day, at any till.
+  EXPECT_NE(Section(run.out, "Parking exits from 02/03/2026 to 02/03/2026").find("(3 exits, R$ 24.00)"),
             std::string::npos)
       << run.out;
   EXPECT_NE(Section(run.out, "Monthly-client payments").find("Mariana Aparecida Santos"), std::string::npos);
   EXPECT_NE(Section(run.out, "The till's totalling").find("(0 assessments)"), std::string::npos);
   EXPECT_NE(Section(run.out, "Restroom sales").find("(1 sale)"), std::string::npos);
   const std::string feed = Section(run.out, "Till-closing feed");
-  EXPECT_NE(feed.find("ESTACIONAMENTO     10  Estacionamento - hora     QTDE:2"), std::string::npos) << feed;
-  EXPECT_NE(feed.find("MENSALISTA         1  Mariana Aparecida Santos  01/03/2026"), std::string::npos) << feed;
-  EXPECT_NE(feed.find("SANITARIO         11  Sanitário                 QTDE:3"), std::string::npos) << feed;
-  EXPECT_NE(feed.find("  Total R$ "), std::string::npos) << feed;
-  EXPECT_NE(feed.find("202"), std::string::npos) << feed;  // 16 + 180 + 6
+  // Units as "QTDE:n", the payment's period start day first, the total of every line.
+  EXPECT_NE(feed.find("\n  ESTACIONAMENTO    10  Estacionamento - hora     QTDE:2           R$ 8.00   R$ 16.00\n"
+                      "  MENSALISTA         1  Mariana Aparecida Santos  01/03/2026     R$ 180.00  R$ 180.00\n"
+                      "  SANITARIO         11  Sanitário                 QTDE:3           R$ 2.00    R$ 6.00\n"
+                      "  Total R$ 202.00\n"),
+            std::string::npos)
+      << feed;
 }
 
 TEST_F(ReportCommandTest, BadTillsFoldersAndArgumentsAreRefused) {
