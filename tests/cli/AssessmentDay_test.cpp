@@ -31,7 +31,7 @@ TEST(AssessmentDayTest, EachCompanyIsAssessedOnceForItsTripsAndTheTillTotalsWhat
 
   // One boarding assessment per bus company, even though the step ran twice,
   // each charging the company's boardings of its trips at the boarding fee.
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbApuracaoReceita WHERE Cd_TipoReceita = 1"),
+  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbApuracaoReceita WHERE Cd_TipoReceita = 1 AND Dt_Movimento = '2026-03-02'"),
             Value(db, "SELECT COUNT(*) FROM TbEmpresaOnibus"));
   EXPECT_NE(out.find("The same step run again: 0 assessments made"), std::string::npos) << out;
   const std::string trips_per_company =

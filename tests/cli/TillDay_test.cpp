@@ -42,13 +42,16 @@ TEST(TillDayTest, TheCashiersTillTakesTheDayAndItsReportsAddUp) {
             "0");
   EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbTicketSanitario WHERE Cd_Caixa <> " + till), "0");
 
-  // The feed's total is what the till's charge lines and sales add up to.
+  // The feed's total is what the till's charge lines, sales and assessments add up to.
   const std::string lines = Value(db, "SELECT SUM(L.Qt_Unidade * L.Vl_Tarifa) FROM TbTicketEstacionamento_TbTarifa L "
                                       "JOIN TbTicketEstacionamento T ON T.Cd_EmpresaUsuariaSistema = "
                                       "L.Cd_EmpresaUsuariaSistema AND T.Cd_TicketEstacionamento = "
                                       "L.Cd_TicketEstacionamento WHERE T.Cd_Caixa = " + till);
   const std::string sales = Value(db, "SELECT SUM(Qt_Unidade * Vl_Tarifa) FROM TbTicketSanitario");
-  const Currency total = CCur(Variant(CDbl(Variant(lines)) + CDbl(Variant(sales))));
+  // Then the monthly clients' payments and the till's own totalling, both assessments on the till.
+  const std::string assessed = Value(db, "SELECT SUM(Vl_ApuracaoReceita) FROM TbApuracaoReceita WHERE Cd_Caixa = " + till);
+  const Currency total =
+      CCur(Variant(CDbl(Variant(lines)) + CDbl(Variant(sales)) + CDbl(Variant(assessed))));
   testing::LocaleGuard brazil(testing::kBrazilLocale);  // the day prints in the Brazilian format
   const size_t feed = out.find("Till-closing feed");
   ASSERT_NE(feed, std::string::npos) << out;

@@ -72,7 +72,7 @@ TEST_F(ReportDatabaseTest, IsCopiedFromTheTemplateOnceAndOpensInTheJetDialect) {
   auto connection = std::make_shared<Connection>();
   connection->Open(jet);
   EXPECT_EQ(connection->SqlDialect(), Dialect::Access);
-  connection->Execute("INSERT INTO cgrApuracaoReceita3 (Cd_Pessoa) VALUES (7)");
+  connection->Execute("INSERT INTO cgrApuracaoReceita3 (Cd_Pessoa, Dt_Movimento) VALUES (7, '02/03/2026')");
   connection->Close();
   // A second report works on the same file: the template does not replace it.
   PrepareReportDatabase(*session_);
