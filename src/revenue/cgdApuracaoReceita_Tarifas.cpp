@@ -85,6 +85,33 @@ struct OpenedObjects {
   }
 };
 
+// A revenue type's totals per day over a period, per tariff too when asked:
+// the two period queries differ only in that column and their grouping.
+std::string PeriodTotalsStatement(bool by_tariff, const std::string& first_day, const std::string& last_day,
+                                  int32_t Cd_TipoReceita) {
+  SqlLines sql;
+  if (by_tariff) {
+    sql << "SELECT   A.Cd_Tarifa," << "         B.Dt_Movimento,";
+  } else {
+    sql << "SELECT   B.Dt_Movimento,";
+  }
+  sql << "         Sum(A.Qt_Tarifa) As Qt_TotalTarifa,"
+      << "         Sum(A.Qt_Tarifa * A.Vl_Tarifa) As Vl_TotalTarifa"
+      << "FROM     TbApuracaoReceita_TbTarifa A"
+      << "         Join TbApuracaoReceita B ON A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema"
+      << "                                  AND A.No_ApuracaoReceita = B.No_ApuracaoReceita"
+      << "         Join TbTarifa C On A.Cd_Tarifa = C.Cd_Tarifa"
+      << "         Join TbTipoReceita D On C.Cd_TipoReceita = D.Cd_TipoReceita"
+      << "WHERE    Dt_Movimento Between '" + first_day + "' and '" + last_day + "'"
+      << "         And D.Cd_TipoReceita = " + std::to_string(Cd_TipoReceita);
+  if (by_tariff) {
+    sql << "GROUP BY A.Cd_Tarifa," << "         B.Dt_Movimento" << "ORDER BY A.Cd_Tarifa," << "         B.Dt_Movimento;";
+  } else {
+    sql << "GROUP BY B.Dt_Movimento" << "ORDER BY B.Dt_Movimento;";
+  }
+  return sql;
+}
+
 }  // namespace
 
 // The 22 values of one day of the workbook, in the order of its columns B to W.
@@ -179,21 +206,7 @@ std::shared_ptr<Recordset> cgdApuracaoReceita_Tarifas::ConsultarMovimentoDiaPorE
 std::shared_ptr<Recordset> cgdApuracaoReceita_Tarifas::ConsultarPorPeriodoAgrupadaDiaTarifa(Date Dt_Inicio, Date Dt_Fim,
                                                                                            int32_t Cd_TipoReceita) {
   return Run("ConsultarPorPeriodoAgrupadaDiaTarifa", [&] {
-    ds_sql_ = SqlLines() << "SELECT   A.Cd_Tarifa,"
-                         << "         B.Dt_Movimento,"
-                         << "         Sum(A.Qt_Tarifa) As Qt_TotalTarifa,"
-                         << "         Sum(A.Qt_Tarifa * A.Vl_Tarifa) As Vl_TotalTarifa"
-                         << "FROM     TbApuracaoReceita_TbTarifa A"
-                         << "         Join TbApuracaoReceita B ON A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema"
-                         << "                                  AND A.No_ApuracaoReceita = B.No_ApuracaoReceita"
-                         << "         Join TbTarifa C On A.Cd_Tarifa = C.Cd_Tarifa"
-                         << "         Join TbTipoReceita D On C.Cd_TipoReceita = D.Cd_TipoReceita"
-                         << "WHERE    Dt_Movimento Between '" + DayText(Dt_Inicio) + "' and '" + DayText(Dt_Fim) + "'"
-                         << "         And D.Cd_TipoReceita = " + std::to_string(Cd_TipoReceita)
-                         << "GROUP BY A.Cd_Tarifa,"
-                         << "         B.Dt_Movimento"
-                         << "ORDER BY A.Cd_Tarifa,"
-                         << "         B.Dt_Movimento;";
+    ds_sql_ = PeriodTotalsStatement(true, DayText(Dt_Inicio), DayText(Dt_Fim), Cd_TipoReceita);
     return OpenReport();
   });
 }
@@ -201,18 +214,7 @@ std::shared_ptr<Recordset> cgdApuracaoReceita_Tarifas::ConsultarPorPeriodoAgrupa
 std::shared_ptr<Recordset> cgdApuracaoReceita_Tarifas::ConsultarPorPeriodoAgrupadaDia(Date Dt_Inicio, Date Dt_Fim,
                                                                                       int32_t Cd_TipoReceita) {
   return Run("ConsultarPorPeriodoAgrupadaDia", [&] {
-    ds_sql_ = SqlLines() << "SELECT   B.Dt_Movimento,"
-                         << "         Sum(A.Qt_Tarifa) As Qt_TotalTarifa,"
-                         << "         Sum(A.Qt_Tarifa * A.Vl_Tarifa) As Vl_TotalTarifa"
-                         << "FROM     TbApuracaoReceita_TbTarifa A"
-                         << "         Join TbApuracaoReceita B ON A.Cd_EmpresaUsuariaSistema = B.Cd_EmpresaUsuariaSistema"
-                         << "                                  AND A.No_ApuracaoReceita = B.No_ApuracaoReceita"
-                         << "         Join TbTarifa C On A.Cd_Tarifa = C.Cd_Tarifa"
-                         << "         Join TbTipoReceita D On C.Cd_TipoReceita = D.Cd_TipoReceita"
-                         << "WHERE    Dt_Movimento Between '" + DayText(Dt_Inicio) + "' and '" + DayText(Dt_Fim) + "'"
-                         << "         And D.Cd_TipoReceita = " + std::to_string(Cd_TipoReceita)
-                         << "GROUP BY B.Dt_Movimento"
-                         << "ORDER BY B.Dt_Movimento;";
+    ds_sql_ = PeriodTotalsStatement(false, DayText(Dt_Inicio), DayText(Dt_Fim), Cd_TipoReceita);
     return OpenReport();
   });
 }
