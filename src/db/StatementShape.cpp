@@ -60,7 +60,10 @@ class Context {
  public:
   void See(const Token& token) {
     if (token.kind == TokenKind::Operator && token.text == "(") {
-      functions_.push_back(EqualsAsciiNoCase(previous_, "CONVERT") || EqualsAsciiNoCase(previous_, "CAST"));
+      // A conversion's arguments choose its form; a substring's positions
+      // are part of the expression an index is made on.
+      functions_.push_back(EqualsAsciiNoCase(previous_, "CONVERT") || EqualsAsciiNoCase(previous_, "CAST") ||
+                           EqualsAsciiNoCase(previous_, "SUBSTRING"));
       if (previous_is_top_) top_parenthesis_ = functions_.size();
     } else if (token.kind == TokenKind::Operator && token.text == ")") {
       if (!functions_.empty()) functions_.pop_back();
@@ -94,7 +97,7 @@ class Context {
   }
 
  private:
-  std::vector<bool> functions_;  // per open parenthesis: a CONVERT or CAST call
+  std::vector<bool> functions_;  // per open parenthesis: a CONVERT, CAST or SUBSTRING call
   std::string_view previous_;
   bool previous_is_top_ = false;
   bool previous_is_like_ = false;

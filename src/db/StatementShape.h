@@ -6,9 +6,9 @@
 //
 // Only SELECT, INSERT, UPDATE and DELETE are shaped; literals whose value
 // changes what a statement means stay in the shape (TOP n, ORDER BY and
-// GROUP BY positions, CONVERT's arguments, LIKE patterns and their escape),
-// and a string that is a date is a literal of another kind than one that is
-// not. For PostgreSQL, decimals stay too: bound, they would be double
+// GROUP BY positions, CONVERT's, CAST's and SUBSTRING's arguments, LIKE
+// patterns and their escape), and a string that is a date is a literal of
+// another kind than one that is not. For PostgreSQL, decimals stay too: bound, they would be double
 // precision where the literal is NUMERIC.
 
 #include <cstdint>

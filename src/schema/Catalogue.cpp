@@ -39,6 +39,7 @@ ForeignKeyDef References(std::string_view table, std::vector<std::string_view> c
 }
 IndexDef Index(std::vector<std::string_view> columns) { return {std::move(columns), false}; }
 IndexDef UniqueIndex(std::vector<std::string_view> columns) { return {std::move(columns), true}; }
+IndexDef PrefixIndex(std::string_view column, int32_t characters) { return {{column}, false, characters}; }
 
 // Sizes of the texts that recur across tables.
 constexpr int32_t kPersonName = 100;
@@ -458,7 +459,9 @@ void AddParking(std::vector<TableDef>& t) {
                            Index({"Cd_EmpresaUsuariaSistema", "Cd_ClienteConvenio", "No_Situacao"}),
                            Index({"Cd_EmpresaUsuariaSistema", "Cd_ClienteEstacionamento",
                                   "No_Situacao"}),
-                           Index({"Ds_Ticket"})}});
+                           Index({"Ds_Ticket"}),
+                           // The yard finds a gate's loose card by the ticket's first 13 characters.
+                           PrefixIndex("Ds_Ticket", 13)}});
   t.push_back({.name = "TbTicketEstacionamento_TbTarifa",
                .columns = {Tenant(), Numbered("Cd_Tarifa"), Integer("Cd_TicketEstacionamento"),
                            Integer("Qt_Unidade"), Amount("Vl_Tarifa")},

@@ -42,6 +42,9 @@ struct ForeignKeyDef {
 struct IndexDef {
   std::vector<std::string_view> columns;
   bool unique = false;
+  // When above 0, the index is on the first `prefix` characters of its one
+  // text column, for the statements that match on SUBSTRING(column, 1, prefix).
+  int32_t prefix = 0;
 };
 
 struct TableDef {

@@ -1,5 +1,8 @@
 #include "vek/schema/Ddl.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/platform/Text.h"
 #include "vek/schema/DdlText.h"
@@ -37,15 +40,23 @@ std::string CreateTable(const TableDef& table, std::string_view schema) {
   return sql;
 }
 
+std::string IndexName(const TableDef& table, const IndexDef& index) {
+  return std::string(index.unique ? "UX_" : "IX_") + std::string(table.name) + "_" + JoinNames(index.columns, "_") +
+         (index.prefix > 0 ? "_" + std::to_string(index.prefix) : std::string());
+}
+
 std::string CreateIndex(const TableDef& table, const IndexDef& index, std::string_view schema) {
-  std::string name = std::string(index.unique ? "UX_" : "IX_") + std::string(table.name) + "_" +
-                     JoinNames(index.columns, "_");
   std::string sql = index.unique ? "CREATE UNIQUE INDEX IF NOT EXISTS "
                                  : "CREATE INDEX IF NOT EXISTS ";
-  sql += Qualified(schema, name);
+  sql += Qualified(schema, IndexName(table, index));
   sql += " ON ";
   sql += table.name;
-  sql += " (" + JoinNames(index.columns, ", ") + ")";
+  // A prefix is what the translation writes for SUBSTRING(column, 1, n),
+  // compared under the column's collation.
+  sql += index.prefix > 0 ? " (CAST(substr(" + std::string(index.columns.front()) + ",1," +
+                                std::to_string(index.prefix) + ") AS TEXT) COLLATE " +
+                                std::string(vek::dialect::kSqlServerCollation) + ")"
+                          : " (" + JoinNames(index.columns, ", ") + ")";
   return sql;
 }
 
@@ -94,7 +105,96 @@ std::vector<std::string> BitTriggers(const TableDef& table, std::string_view sch
   };
 }
 
+// How many rows the tables of a busy terminal hold after some years; any
+// other table holds a hundred or so. SQLite's planner reads these sizes
+// from sqlite_stat1 until ANALYZE measures the real ones.
+constexpr std::pair<std::string_view, int64_t> kTypicalRows[] = {
+    {"TbViagemOnibus", 1'000'000},   {"TbAgendaSom", 1'000'000},
+    {"TbTicketEstacionamento", 1'000'000}, {"TbTicketEstacionamento_TbTarifa", 1'000'000},
+    {"TbTicketSanitario", 1'000'000}, {"TbApuracaoReceita", 100'000},
+    {"TbApuracaoReceita_TbTarifa", 300'000}, {"TbItemMapaMovimentoED", 100'000},
+    {"TbContaReceber", 10'000},      {"TbPessoa", 10'000},
+    {"TbVeiculo", 10'000},           {"TbCaixa", 10'000},
+    {"TbCidade", 5'000},             {"TbEscalasHorarioLinha", 2'000},
+    {"TbHorariosLinha", 1'000},      {"TbLinha", 1'000},
+    {"TbUF", 27},
+};
+
+int64_t TypicalRows(std::string_view table) {
+  for (const auto& [name, rows] : kTypicalRows) {
+    if (name == table) return rows;
+  }
+  return 100;
+}
+
+// How many rows share one value of a column that refers to another table
+// on its own (a line's origin city: lines over cities); 10 for any other
+// column, as SQLite guesses without statistics.
+int64_t RowsPerValue(const TableDef& table, std::string_view column, int64_t rows) {
+  for (const ForeignKeyDef& key : table.foreign_keys) {
+    if (key.columns.size() == 1 && EqualsIgnoreCase(key.columns.front(), column)) {
+      return std::max<int64_t>(1, rows / TypicalRows(key.table));
+    }
+  }
+  return std::min<int64_t>(rows, 10);
+}
+
+// sqlite_stat1's "rows, then rows per value of each leading part of the
+// key". An equality on the first column of a key selects RowsPerValue, on
+// each further column half as many, and on the whole of a unique key one
+// row; but an equality on the tenant selects every row: a terminal holds
+// one operating company.
+std::string NominalStat(const TableDef& table, const std::vector<std::string_view>& columns, bool unique) {
+  const int64_t rows = TypicalRows(table.name);
+  std::string stat = std::to_string(rows);
+  int64_t per_value = rows;
+  bool narrowed = false;
+  for (size_t i = 0; i < columns.size(); ++i) {
+    if (!EqualsIgnoreCase(columns[i], "Cd_EmpresaUsuariaSistema")) {
+      per_value = narrowed ? std::max<int64_t>(1, per_value / 2) : RowsPerValue(table, columns[i], rows);
+      narrowed = true;
+    }
+    if (unique && i + 1 == columns.size()) per_value = 1;
+    stat += " " + std::to_string(per_value);
+  }
+  return stat;
+}
+
+std::string NominalStatRow(const TableDef& table, const std::string& index, const std::string& stat) {
+  return "INSERT INTO sqlite_stat1 (tbl, idx, stat) SELECT '" + std::string(table.name) + "', '" + index +
+         "', '" + stat + "' WHERE NOT EXISTS (SELECT 1 FROM sqlite_stat1 WHERE tbl = '" +
+         std::string(table.name) + "' AND idx = '" + index + "')";
+}
+
 }  // namespace
+
+std::vector<std::string> SqliteNominalStatistics() {
+  // ANALYZE of sqlite_schema makes sqlite_stat1 when it is missing and, run
+  // again at the end, has the planner read the rows written here. A table
+  // that has statistics already (measured by ANALYZE) keeps them.
+  std::vector<std::string> statements = {"ANALYZE sqlite_schema"};
+  for (const TableDef& table : Tables()) {
+    if (!table.database.empty()) continue;
+    if (!table.HasIdentity() && !table.primary_key.empty()) {
+      // A table without rowid is its key's index and bears its name.
+      const std::string key_index = NeedsWithoutRowid(table) ? std::string(table.name)
+                                                              : "sqlite_autoindex_" + std::string(table.name) + "_1";
+      statements.push_back(NominalStatRow(table, key_index, NominalStat(table, table.primary_key, true)));
+    } else if (table.indexes.empty()) {
+      // A table with indexes has its size in their rows.
+      statements.push_back("INSERT INTO sqlite_stat1 (tbl, idx, stat) SELECT '" + std::string(table.name) +
+                           "', NULL, '" + std::to_string(TypicalRows(table.name)) +
+                           "' WHERE NOT EXISTS (SELECT 1 FROM sqlite_stat1 WHERE tbl = '" +
+                           std::string(table.name) + "' AND idx IS NULL)");
+    }
+    for (const IndexDef& index : table.indexes) {
+      statements.push_back(
+          NominalStatRow(table, IndexName(table, index), NominalStat(table, index.columns, index.unique)));
+    }
+  }
+  statements.push_back("ANALYZE sqlite_schema");
+  return statements;
+}
 
 std::string SqliteTypeName(const ColumnDef& column) {
   switch (column.type) {
@@ -134,6 +234,7 @@ std::vector<std::string> SqliteDdl(std::string_view database_prefix_for_access_c
       statements.push_back(std::move(statement));
     }
   }
+  for (std::string& statement : SqliteNominalStatistics()) statements.push_back(std::move(statement));
   return statements;
 }
 

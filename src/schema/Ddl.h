@@ -29,6 +29,12 @@ namespace vek::schema {
 std::vector<std::string> SqliteDdl(
     std::string_view database_prefix_for_access_control = "MDESTACIONAMENTO");
 
+// The sizes a busy terminal's tables reach, written into sqlite_stat1 for
+// the tables that have no statistics yet, so that SQLite's planner drives
+// a join from the small side (a few hundred timetables, not a million trips)
+// on a new database as on a full one. Part of SqliteDdl, at its end.
+std::vector<std::string> SqliteNominalStatistics();
+
 // The CREATE TABLE statement of one table, in the schema of its database
 // (none for the terminal's own tables).
 std::string SqliteTableDdl(const TableDef& table);

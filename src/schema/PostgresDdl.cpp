@@ -56,12 +56,16 @@ std::string CreateTable(const TableDef& table, std::string_view schema) {
 std::string CreateIndex(const TableDef& table, const IndexDef& index, std::string_view schema) {
   const std::string name = ObjectName(std::string(index.unique ? "UX_" : "IX_") +
                                       std::string(table.name) + "_" +
-                                      JoinNames(index.columns, "_"));
+                                      JoinNames(index.columns, "_") +
+                                      (index.prefix > 0 ? "_" + std::to_string(index.prefix) : std::string()));
   // The index goes to its table's schema.
   std::string sql =
       index.unique ? "CREATE UNIQUE INDEX IF NOT EXISTS " : "CREATE INDEX IF NOT EXISTS ";
-  sql += name + " ON " + Qualified(schema, table.name) + " (" +
-         JoinNames(index.columns, ", ") + ")";
+  // A prefix is what the translation writes for SUBSTRING(column, 1, n).
+  sql += name + " ON " + Qualified(schema, table.name) +
+         (index.prefix > 0 ? " ((substring(" + std::string(index.columns.front()) + ", 1, " +
+                                 std::to_string(index.prefix) + ")))"
+                           : " (" + JoinNames(index.columns, ", ") + ")");
   return sql;
 }
 

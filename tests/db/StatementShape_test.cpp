@@ -71,6 +71,9 @@ TEST_F(StatementShapeTest, LiteralsThatChangeTheMeaningStayInTheShape) {
   EXPECT_NE(plain->key, set->key);
   EXPECT_EQ(set->literals, std::vector<Variant>{Variant(0)});
   EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE A LIKE 'x!%' ESCAPE '!' AND B = 1")->literals.size(), 1u);
+  // A substring's positions stay: an index may be made on the expression.
+  EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE Substring(A,1,13) = 'x' AND B = 1")->literals,
+            (std::vector<Variant>{Variant("x"), Variant(1)}));
   EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE V = 2.5 AND B = 1")->literals.size(), 2u);
   EXPECT_EQ(ShapeOf("SELECT * FROM T WHERE V = 2.5 AND B = 1", Dialect::PostgreSQL)->literals,
             std::vector<Variant>{Variant(1)});

@@ -11,6 +11,7 @@ constexpr DialectForms kSqliteForms = {
     .name = "SQLite",
     // SQLite refuses LIMIT before UNION: the branch becomes a sub-select.
     .top_branch_open = "SELECT * FROM (",
+    .top_keeps_first_table_outermost = true,
 };
 
 // sys.databases as SQLite can answer it.
@@ -37,6 +38,23 @@ class SqliteTranslator final : public TranslatorBase {
 
   bool EmitDialectCall(std::string_view function, size_t name,
                        const std::vector<std::pair<size_t, size_t>>& args) override {
+    // From a position of 1 or more over a length of 0 or more, SQLite's own
+    // substr means what SUBSTRING does on a text; being built in, it is what
+    // an index on the expression (the yard's ticket codes) is made of. The
+    // cast gives it a text's affinity, as SQL Server types it, which is also
+    // what lets a join on another table's text column use that index.
+    if (EqualsAsciiNoCase(function, "substring") && args.size() == 3 && WholeNumberAt(args[1]).value_or(0) >= 1 &&
+        WholeNumberAt(args[2]).value_or(-1) >= 0 && TypeOfRange(args[0].first, args[0].second) == ValueType::Text) {
+      EmitTrivia(name);
+      out_.append("CAST(substr(");
+      EmitArg(args[0]);
+      out_.push_back(',');
+      EmitArg(args[1]);
+      out_.push_back(',');
+      EmitArg(args[2]);
+      out_.append(") AS TEXT)");
+      return true;
+    }
     if (EqualsAsciiNoCase(function, "scope_identity")) {
       RequireArgs(function, args.size(), 0, 0);
       EmitTrivia(name);
@@ -124,6 +142,16 @@ class SqliteTranslator final : public TranslatorBase {
         out_.append(" AS REAL)");
         return;
     }
+  }
+
+  // The value of an argument that is one whole-number literal.
+  std::optional<int64_t> WholeNumberAt(std::pair<size_t, size_t> arg) const {
+    if (arg.second != arg.first + 1 || At(arg.first).kind != TokenKind::Number) return std::nullopt;
+    const std::string_view digits = At(arg.first).text;
+    if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string_view::npos) {
+      return std::nullopt;
+    }
+    return std::stoll(std::string(digits));
   }
 
   std::string DatePlusDays(const std::string& date, const std::string& days) override {

@@ -245,6 +245,9 @@ struct DialectForms {
   bool fold_quoted_names = false;    // [Name] and "Name" in lower case
   bool nulls_first_ascending = false;  // ORDER BY items say where NULLs go, as in SQL Server
   bool unqualified_compound_order = false;  // a UNION's ORDER BY names columns without qualifier
+  // No row goal in the planner: a TOP ordered first by the first table's
+  // column keeps that table outermost (see DrivingJoin).
+  bool top_keeps_first_table_outermost = false;
 };
 
 // Translates one text; each Run() is one text. Not thread-safe; cheap to
@@ -477,6 +480,10 @@ class TranslatorBase {
 
   void EmitToken(size_t k) {
     EmitTrivia(k);
+    if (k == cross_join_at_) {
+      out_.append(Is(k, Kw::Join) ? "CROSS JOIN" : "CROSS");
+      return;
+    }
     EmitText(k);
   }
 
@@ -1347,12 +1354,14 @@ class TranslatorBase {
     }
     if (IsOneOf(function, {"sum", "avg"}) && args.size() == 1 && EmitTypedAggregate(function, name, open, close))
       return;
+    // A dialect's own form of a call comes before its plain renaming.
+    if (EmitDialectCall(function, name, args)) return;
     for (const RenamedFunction& renamed : RenamedFunctions()) {
       if (!EqualsAsciiNoCase(function, renamed.function)) continue;
       RequireArgs(function, args.size(), renamed.least, renamed.most);
       return EmitRenamed(name, open, close, renamed.replacement);
     }
-    if (EmitDialectCall(function, name, args) || EmitDatePartCall(function, name, args)) return;
+    if (EmitDatePartCall(function, name, args)) return;
     EmitPlainCall(name, open, close);
   }
 
@@ -1677,12 +1686,44 @@ class TranslatorBase {
     for (size_t j = p + 1; j < (top == kNone ? k : top); ++j) EmitToken(j);
     if (top != kNone) EmitTrivia(top);
     const size_t list_end = EmitSelectList(k, e);
+    const size_t outer_cross_join = cross_join_at_;
+    if (top != kNone && forms_.top_keeps_first_table_outermost) cross_join_at_ = DrivingJoin(list_end, e);
     EmitSequence(list_end, e);
+    cross_join_at_ = outer_cross_join;
     if (top != kNone) {
       out_.append(" LIMIT ");
       out_.append(limit);
       if (in_compound) out_.push_back(')');
     }
+  }
+
+  // Where TOP n reads "FROM A [INNER] JOIN B ... ORDER BY A.x ...", the
+  // INNER (or the bare JOIN) that becomes a CROSS JOIN: SQLite then reads A
+  // in the order of an index on x and stops after n rows, where it would
+  // otherwise join every row of A before sorting. The rows are the inner
+  // join's all the same. kNone for any other SELECT.
+  size_t DrivingJoin(size_t from, size_t e) const {
+    if (!Is(from, Kw::From)) return kNone;
+    std::optional<FromRef> first;
+    ForEachFromRef(from + 1, e, [&first](const FromRef& ref) {
+      if (!first) first = ref;
+    });
+    if (!first || first->name_end == kNone) return kNone;
+    const size_t after = first->alias != kNone ? first->alias + 1 : first->name_end;
+    if (after >= e) return kNone;
+    const size_t join = IsKeyword(At(after), "INNER") ? after + 1 : after;
+    if (!Is(join, Kw::Join)) return kNone;
+    size_t order = after;
+    while (order < e && !(Is(order, Kw::Order) && Is(order + 1, Kw::By))) order = Skip(order);
+    const size_t key = order + 2;
+    if (order >= e || key + 2 >= e || !IsOp(key + 1, ".")) return kNone;
+    const std::string_view owner = NameText(key);
+    const bool by_first = first->alias != kNone ? EqualsAsciiNoCase(owner, NameText(first->alias))
+                                                : EqualsAsciiNoCase(owner, NameText(first->name_end - 1));
+    const size_t key_end = key + 3;
+    if (!by_first || !(key_end >= e || IsOp(key_end, ",") || Is(key_end, Kw::Desc) || Is(key_end, Kw::Asc)))
+      return kNone;
+    return after;
   }
 
   bool EndsSelectList(size_t k) const {
@@ -1961,6 +2002,7 @@ class TranslatorBase {
   std::string_view sql_;
   DialectForms forms_;
   const ColumnKinds* kinds_;
+  size_t cross_join_at_ = kNone;  // the join token DrivingJoin chose for the SELECT being written
   // The types of the outer SELECT's columns, once its list is read.
   ResultTypes result_types_;
   bool result_typed_ = false;

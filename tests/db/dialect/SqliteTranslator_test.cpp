@@ -110,6 +110,27 @@ TEST_F(SqliteTranslator, TopInsideSubqueriesAndUnionBranches) {
   EXPECT_EQ(last.size(), 2u);
 }
 
+TEST_F(SqliteTranslator, TopOrderedByTheFirstTableKeepsItOutermost) {
+  // The board: the latest trips first, with their timetables.
+  db_.Exec("CREATE TABLE V (H INTEGER, Hr TEXT)");
+  db_.Exec("CREATE TABLE Hl (H INTEGER, P INTEGER)");
+  db_.Run("INSERT INTO V VALUES (1, '2026-11-21 10:00:00'), (2, '2026-11-21 11:00:00'), (3, '2026-11-21 09:00:00')");
+  db_.Run("INSERT INTO Hl VALUES (1, 4), (2, 7)");
+  const std::string board = "SELECT TOP 2 A.H, B.P FROM V A INNER JOIN Hl B On A.H = B.H ORDER BY A.Hr Desc, B.P";
+  EXPECT_NE(TranslateToSqlite(board).find("V A CROSS JOIN Hl B On A.H = B.H"), std::string::npos);
+  // The rows are the inner join's: trip 3 has no timetable.
+  EXPECT_EQ(db_.Run(board), (Rows{{"2", "7"}, {"1", "4"}}));
+  EXPECT_NE(TranslateToSqlite("SELECT TOP 2 * FROM V JOIN Hl On V.H = Hl.H ORDER BY V.Hr").find("V CROSS JOIN Hl"),
+            std::string::npos);
+  // Ordered by another table, without TOP, or an outer join: written as it stands.
+  for (const char* other : {"SELECT TOP 2 * FROM V A INNER JOIN Hl B On A.H = B.H ORDER BY B.P",
+                            "SELECT A.H FROM V A INNER JOIN Hl B On A.H = B.H ORDER BY A.Hr",
+                            "SELECT TOP 2 * FROM V A LEFT JOIN Hl B On A.H = B.H ORDER BY A.Hr",
+                            "SELECT TOP 2 * FROM V A INNER JOIN Hl B On A.H = B.H ORDER BY A.Hr + B.P"}) {
+    EXPECT_EQ(TranslateToSqlite(other).find("CROSS"), std::string::npos) << other;
+  }
+}
+
 TEST_F(SqliteTranslator, TopFormsWithoutALimitEquivalentAreRefused) {
   EXPECT_TRUE(Mentions(TranslationError("SELECT TOP 10 PERCENT * FROM t"), "PERCENT"));
   EXPECT_TRUE(
@@ -676,6 +697,15 @@ TEST_F(SqliteTranslator, TextAndDateFunctionsKeepTheirSqlServerMeaning) {
                                                "11", "2026", "jo", "ão", "x", "água"}));
   EXPECT_EQ(text[1][1], "ANA");
   EXPECT_EQ(text[1][6], "NULL");
+  // From the first character on, a text's substring is SQLite's own, which an
+  // index on the expression can serve; elsewhere SQL Server's positions need vek_substring.
+  EXPECT_NE(TranslateToSqlite("SELECT Substring(Nm_Portador,1,13) FROM T").find("CAST(substr(Nm_Portador,1,13) AS TEXT)"),
+            std::string::npos);
+  for (const char* other : {"Substring(Nm_Portador,0,13)", "Substring(Nm_Portador,1,Qt_A)",
+                            "Substring(Qt_A,1,2)"}) {
+    EXPECT_NE(TranslateToSqlite(std::string("SELECT ") + other + " FROM T").find("vek_substring("),
+              std::string::npos) << other;
+  }
 }
 
 TEST_F(SqliteTranslator, SelectAliasAssignmentNamesTheColumn) {
