@@ -73,7 +73,7 @@ std::string ErrnoText() { return std::strerror(errno); }
 // Reads a file from an offset, for the scan.
 class Input {
  public:
-  Input(const fs::path& path, const char* source) : stream_(path, std::ios::binary), source_(source) {
+  Input(const fs::path& path, const char* source) : stream_(path, std::ios::binary) {
     if (!stream_) Fail(source, "Cannot open the backup file " + path.string() + ".");
     std::error_code error;
     size_ = fs::file_size(path, error);
@@ -91,7 +91,6 @@ class Input {
 
  private:
   std::ifstream stream_;
-  const char* source_;
   uint64_t size_ = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include <shapefil.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -119,6 +120,18 @@ DbfTable::DbfTable(const fs::path& file, std::string name) : handle_(std::make_u
                     (reason.empty() ? std::string(".") : ": " + reason));
   }
   DBFHandle dbf = handle_->dbf;
+  // A header that announces more records than the file holds is a damaged
+  // table: writing after them would leave a hole of garbage records.
+  std::error_code size_error;
+  const uintmax_t bytes = fs::file_size(file, size_error);
+  const uintmax_t announced = static_cast<uintmax_t>(std::max(dbf->nHeaderLength, 0)) +
+                              static_cast<uintmax_t>(std::max(dbf->nRecords, 0)) *
+                                  static_cast<uintmax_t>(std::max(dbf->nRecordLength, 0));
+  if (size_error || dbf->nRecords < 0 || announced > bytes) {
+    RaiseDbaseError("Table " + name_ + " (" + file.string() + ") is damaged: its header announces " +
+                    std::to_string(dbf->nRecords) + " records of " + std::to_string(dbf->nRecordLength) +
+                    " bytes, more than the file holds.");
+  }
   const char* code_page = DBFGetCodePage(dbf);
   const bool marked_1252 = dbf->iLanguageDriver == 0 || dbf->iLanguageDriver == kWindows1252Mark ||
                            dbf->iLanguageDriver == kAnsiMark;

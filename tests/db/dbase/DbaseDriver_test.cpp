@@ -150,6 +150,25 @@ TEST_F(DbaseDriverTest, DeleteMarksEveryRecordDeletedAndInsertAppendsAfterThem) 
   EXPECT_EQ(file.Word(1, 3), (126u) | (11u << 8) | (24u << 16));
 }
 
+TEST_F(DbaseDriverTest, AHeaderAnnouncingMoreRecordsThanTheFileHoldsIsADamagedTable) {
+  Run("INSERT INTO Titulos (NOME) VALUES ('a')");
+  const fs::path table = folder.Path() / "Titulos.dbf";
+  const auto before = fs::file_size(table);
+  {
+    // The record count (bytes 4-7) says two billion records.
+    std::fstream file(table, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(4);
+    const char count[4] = {'\x00', '\x00', '\x00', '\x7f'};
+    file.write(count, 4);
+  }
+  for (const char* statement : {"DELETE  FROM Titulos", "INSERT INTO Titulos (NOME) VALUES ('b')"}) {
+    const VekError error = ErrorOf([&] { Run(statement); });
+    EXPECT_EQ(error.Source(), "dBase");
+    EXPECT_NE(error.Description().find("is damaged"), std::string::npos) << error.Description();
+  }
+  EXPECT_EQ(fs::file_size(table), before);
+}
+
 TEST(DbaseDriver, AMissingFolderOrTableIsTheProvidersErrorNamingIt) {
   testing::ScratchFolder folder;
   auto connection = std::make_shared<Connection>();

@@ -1,0 +1,1 @@
+SELECT Qt_DistanciaEmKm FROM TbCidade WHERE Nm_Cidade = 'Uberlândia' AND Sg_UF = 'MG'

@@ -1,0 +1,1 @@
+INSERT INTO TbVeiculo (Cd_Placa, Cd_MarcaModelo) VALUES ('OGX4C56', 6)

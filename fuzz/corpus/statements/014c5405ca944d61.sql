@@ -1,0 +1,1 @@
+SELECT count(*) FROM TbCidade WHERE Sg_UF = 'sp'

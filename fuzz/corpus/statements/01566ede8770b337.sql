@@ -1,0 +1,1 @@
+SELECT Cd_Pessoa, Nm_Empresa, Dt_Movimento, Qt_Tarifa1, Vl_Tarifa1, Qt_TarifaDia, Vl_TarifaDia, In_Tarifa1 FROM cgrApuracaoReceita3 ORDER BY Cd_Pessoa DESC

@@ -1,0 +1,1 @@
+SELECT COUNT(DISTINCT Cd_Cidade) FROM TempCidade

@@ -1,0 +1,1 @@
+DELETE FROM   TbCorWHERE  Cd_Cor = 

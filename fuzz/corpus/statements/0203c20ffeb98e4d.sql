@@ -1,0 +1,1 @@
+SELECT Cd_Placa FROM TbTicketEstacionamento ORDER BY 1

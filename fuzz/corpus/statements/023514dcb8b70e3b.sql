@@ -1,0 +1,1 @@
+SELECT TOP 1 Dt_Passagem FROM Evento WHERE Cd = 1

@@ -1,0 +1,1 @@
+INSERT INTO Titulos (QTD) VALUES ('12')

@@ -1,0 +1,1 @@
+SELECT Dt_Movimento FROM T ORDER BY 1

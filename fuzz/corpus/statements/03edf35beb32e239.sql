@@ -1,0 +1,1 @@
+SELECT count(*) FROM MDESTACIONAMENTO.sqlite_master WHERE type = 'table'

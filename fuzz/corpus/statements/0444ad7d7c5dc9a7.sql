@@ -1,0 +1,1 @@
+INSERT INTO Arquivo.TbBairro VALUES (1, 'Arquivado')

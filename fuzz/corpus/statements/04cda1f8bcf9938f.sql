@@ -1,0 +1,1 @@
+SELECT Nm_Bairro FROM TbBairro WHERE Nm_Bairro LIKE '[AC]%' ORDER BY 1

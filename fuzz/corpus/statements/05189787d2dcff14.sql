@@ -1,0 +1,1 @@
+SELECT DATEADD(mi, -1, '21/11/2026')

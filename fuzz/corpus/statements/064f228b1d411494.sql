@@ -1,0 +1,1 @@
+SELECT Qt_MinutosMaximoSaidaAposPagamento FROM TbParametrosMadis WHERE Cd_EmpresaUsuariaSistema = 

@@ -1,0 +1,1 @@
+INSERT INTO TbPessoaFisica (Cd_Pessoa) VALUES (NULL)

@@ -1,0 +1,1 @@
+INSERT INTO TbVeiculo (Cd_Placa) VALUES ('ABC1D23')

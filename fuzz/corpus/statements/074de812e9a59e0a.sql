@@ -1,0 +1,1 @@
+              SELECT 1 FROM TbCidade C WHERE C.Cd_Cidade = TbBairro.Cd_Cidade And C.Sg_UF = 'DF')

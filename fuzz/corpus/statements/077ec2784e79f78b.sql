@@ -1,0 +1,1 @@
+SELECT SUM(Qt_EmbarquesComPassagem + Qt_EmbarquesSemPassagem) FROM TbViagemOnibus WHERE No_Andamento = 2

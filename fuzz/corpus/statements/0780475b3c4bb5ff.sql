@@ -1,0 +1,1 @@
+SELECT Codigo + Inteiro FROM TbContaReceber

@@ -1,0 +1,1 @@
+SELECT   A.Cd_Linha,

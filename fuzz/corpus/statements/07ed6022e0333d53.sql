@@ -1,0 +1,1 @@
+INSERT INTO TbTarifa (Cd_Tarifa, Ds_Tarifa, Vl_Tarifa, Cd_TipoReceita) VALUES (1, 'Embarque', 1234.5678, 1)

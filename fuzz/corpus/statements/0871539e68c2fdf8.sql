@@ -1,0 +1,1 @@
+Update TempCidadeSet    Ic_ExisteArquivoSom = 1Where  Cd_Cidade = 5

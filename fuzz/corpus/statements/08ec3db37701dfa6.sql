@@ -1,0 +1,1 @@
+INSERT INTO TbTelefone (Cd_Pessoa, No_TipoTelefone) VALUES (1, 0), (1, 255)

@@ -1,0 +1,1 @@
+INSERT INTO TbCor (Nm_Cor) VALUES ('Preto')

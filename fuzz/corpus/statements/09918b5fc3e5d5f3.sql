@@ -1,0 +1,1 @@
+SELECT DATEADD(month, 1, '31/01/2026 10:00')

@@ -1,0 +1,1 @@
+INSERT INTO TbTicketEstacionamento_TbTarifa (Cd_EmpresaUsuariaSistema, Cd_TicketEstacionamento, Cd_Tarifa, Qt_Unidade, Vl_Tarifa) VALUES (1, 1, 10, 1, 8), (1, 2, 10, 1, 8), (1, 3, 10, 1, 8)

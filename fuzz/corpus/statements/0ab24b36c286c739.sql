@@ -1,0 +1,1 @@
+INSERT INTO TbTipoLogradouro (Cd_TipoLogradouro, Nm_TipoLogradouro) VALUES (1, 'Avenida')

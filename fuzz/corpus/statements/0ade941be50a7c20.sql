@@ -1,0 +1,1 @@
+SELECT   B.Cd_Cidade,

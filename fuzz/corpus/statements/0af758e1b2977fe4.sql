@@ -1,0 +1,1 @@
+INSERT INTO TbPessoa (Cd_Pessoa, Nm_Pessoa) VALUES (10, 'Viação Goiânia')

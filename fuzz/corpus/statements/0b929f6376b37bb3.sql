@@ -1,0 +1,1 @@
+SELECT TbBairro.Nm_Bairro, main.dbo.TbCidade.Nm_Cidade, TbUF.Sg_UF, TbCEP_TbLogradouro.Cd_EP

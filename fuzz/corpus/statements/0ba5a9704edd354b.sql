@@ -1,0 +1,1 @@
+SELECT *FROM   TbItemMapaMovimentoEDWHERE  Dt_Movimento = '2026-11-21'

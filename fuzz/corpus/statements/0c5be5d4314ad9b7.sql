@@ -1,0 +1,1 @@
+INSERT INTO TbPessoa VALUES (1, 'São João', 'S%'), (2, 'SAO PAULO', 's_o%'), (3, 'ana', 'A%'), (4, '100% Álcool', '%[%]%'), (5, 'C:\dados', NULL), (6, NULL, '%')

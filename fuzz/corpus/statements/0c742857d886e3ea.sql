@@ -1,0 +1,1 @@
+INSERT INTO TbEmpresaOnibus (Cd_EmpresaOnibus, Cd_Pessoa, Nm_EmpresaOnibus) VALUES (20, 20, 'São Luiz')

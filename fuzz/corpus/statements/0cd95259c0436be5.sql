@@ -1,0 +1,1 @@
+UPDATE TbViagemOnibus SET Qt_EmbarquesComPassagem = 

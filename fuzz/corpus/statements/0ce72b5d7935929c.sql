@@ -1,0 +1,1 @@
+UPDATE TbApuracaoReceita Set 

@@ -1,0 +1,1 @@
+SELECT Ds_Ticket FROM TbTicketEstacionamento WHERE Cd_EmpresaUsuariaSistema = ? And Cd_TicketEstacionamento = ?

@@ -1,0 +1,1 @@
+SELECT d.name FROM sys.databases AS d WHERE d.name = 'main'

@@ -1,0 +1,1 @@
+CREATE TABLE Arquivo.TbBairro (Cd_Bairro INTEGER, Nm_Bairro TEXT)

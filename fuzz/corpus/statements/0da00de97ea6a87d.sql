@@ -1,0 +1,1 @@
+SELECT Nm_Bairro FROM TbBairro

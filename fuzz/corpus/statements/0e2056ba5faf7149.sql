@@ -1,0 +1,1 @@
+UPDATE [DADOS$] SET Vl_DepositoDia = #12/31/2026# WHERE No_DiaMovimento = 1

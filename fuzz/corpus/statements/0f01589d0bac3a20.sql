@@ -1,0 +1,1 @@
+SELECT DISTINCT In_Tarifa1 FROM cgrApuracaoReceita3

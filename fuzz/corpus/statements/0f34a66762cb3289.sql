@@ -1,0 +1,1 @@
+SELECT Nm_Cidade FROM TbCidade WHERE Cd_Cidade = 4

@@ -1,0 +1,1 @@
+CREATE TABLE TbViagemOnibus (Cd_EmpresaUsuariaSistema INTEGER, Cd_ViagemOnibus INTEGER, Hr_Previsto TIMESTAMP(0), No_Plataforma INTEGER)

@@ -1,0 +1,1 @@
+UPDATE A SET x = 1 FROM TempCidade A JOIN TbCidade B ON A.x = B.x

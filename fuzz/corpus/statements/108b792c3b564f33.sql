@@ -1,0 +1,1 @@
+SELECT * FROM TbBairro WHERE Nm_Bairro LIKE '[AC]%' AND Cd_Bairro > 0

@@ -1,0 +1,1 @@
+INSERT INTO TbCidade (Nm_Cidade, Sg_UF) VALUES ('campinas', 'sp')

@@ -1,0 +1,1 @@
+INSERT INTO TbCidade VALUES (1, 'Goiânia')

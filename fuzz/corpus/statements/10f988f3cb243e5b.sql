@@ -1,0 +1,1 @@
+CREATE TABLE TbPessoa (Cd_Pessoa INTEGER, Nm_Pessoa VARCHAR(100) COLLATE vek_ci, Ds_Padrao VARCHAR(20) COLLATE vek_ci)

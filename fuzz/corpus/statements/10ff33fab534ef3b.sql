@@ -1,0 +1,1 @@
+INSERT INTO Titulos (DATA) VALUES ('31/02/2026')

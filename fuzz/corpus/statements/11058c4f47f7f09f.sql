@@ -1,0 +1,1 @@
+SELECT Nm_Pessoa FROM p WHERE Nm_Pessoa < 'B' ORDER BY Nm_Pessoa, rowid

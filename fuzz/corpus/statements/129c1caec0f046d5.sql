@@ -1,0 +1,1 @@
+SELECT   A.Cd_Placa,         A.No_Frota,         A.Cd_EmpresaOnibus,         C.Nm_PessoaFROM     TbVeiculo A         Join TbEmpresaOnibus B On A.Cd_EmpresaOnibus = B.Cd_Pessoa         Join TbPessoa C On B.Cd_Pessoa = C.Cd_Pessoa

@@ -1,0 +1,1 @@
+UPDATE TbCidade SET Nm_Cidade = Upper(Nm_Cidade) FROM TbUF U WHERE U.Cd_UF = TbCidade.Cd_UF And TbUF.Sg_UF = 'df'

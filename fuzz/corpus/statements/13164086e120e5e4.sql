@@ -1,0 +1,1 @@
+SELECT A.Cd_EmpresaOnibus, A.Nm_EmpresaOnibus FROM TbEmpresaOnibus A ORDER BY A.Nm_EmpresaOnibus

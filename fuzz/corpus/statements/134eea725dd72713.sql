@@ -1,0 +1,1 @@
+DELETE FROM   TbLinhaWHERE  Cd_Linha = 5

@@ -1,0 +1,1 @@
+DELETE FROM   TbSequenciadoresWHERE  Nm_Atributo = 'Cd_Linha'

@@ -1,0 +1,1 @@
+SELECT CONVERT(Varchar, Dt_Cadastro, 103) FROM TbBairro WHERE Cd_Bairro = 1

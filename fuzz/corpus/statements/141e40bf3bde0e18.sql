@@ -1,0 +1,1 @@
+SELECT table_schema || '.' || table_name FROM information_schema.tables WHERE table_schema IN ('public', 'mdestacionamento') AND table_type = 'BASE TABLE'

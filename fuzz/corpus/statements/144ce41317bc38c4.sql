@@ -1,0 +1,1 @@
+SELECT COUNT(*) FROM TbItemMapaMovimentoED WHERE Dt_Movimento <> '2026-03-02 00:00:00'

@@ -1,0 +1,1 @@
+INSERT INTO TbTarifa (Cd_Tarifa, Cd_EmpresaUsuariaSistema, Ds_Tarifa) VALUES (5, 1, 'Avulsa')

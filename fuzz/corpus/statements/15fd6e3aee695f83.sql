@@ -1,0 +1,1 @@
+SELECT SUM(Qt_Dia01) FROM cgrMapaControleEmbarque1

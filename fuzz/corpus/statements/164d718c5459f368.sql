@@ -1,0 +1,1 @@
+INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro, Cd_Cidade) VALUES (6, 'setor aeroporto', 3)

@@ -1,0 +1,1 @@
+INSERT INTO TbSequenciadores (Nm_Atributo, No_Sequencial) VALUES (?, 1)

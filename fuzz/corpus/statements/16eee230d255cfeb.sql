@@ -1,0 +1,1 @@
+DELETE FROM   TbUsuarioWHERE  Cd_EmpresaUsuariaSistema = 1       And  Cd_Usuario = 1

@@ -1,0 +1,1 @@
+SELECT TOP 2 Dt_Passagem FROM Evento WHERE Cd = 2

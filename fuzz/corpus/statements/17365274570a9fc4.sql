@@ -1,0 +1,1 @@
+SELECT Cd_TipoOnibus,       Ds_TipoOnibusFROM   TbTipoOnibusWHERE  Cd_TipoOnibus = 2ORDER BY Ds_TipoOnibus

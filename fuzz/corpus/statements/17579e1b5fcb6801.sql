@@ -1,0 +1,1 @@
+SELECT Qt_Embarques FROM TbItemRateioMovimentoED

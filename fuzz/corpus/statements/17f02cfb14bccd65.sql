@@ -1,0 +1,1 @@
+SELECT cd_acesso, nm FROM 

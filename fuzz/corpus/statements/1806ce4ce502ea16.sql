@@ -1,0 +1,1 @@
+SELECT count(*) FROM T WHERE Qt_A = 2

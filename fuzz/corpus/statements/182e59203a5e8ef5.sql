@@ -1,0 +1,1 @@
+INSERT INTO TbTarifa (Cd_Tarifa, Cd_EmpresaUsuariaSistema, Ds_Tarifa, Vl_Tarifa, Cd_TipoReceita) VALUES (1, 1, 'Sanitário', 1.5, 3)

@@ -1,0 +1,1 @@
+SELECT x.Total FROM (SELECT Total = Qt_A FROM T) x

@@ -1,0 +1,1 @@
+SELECT CONVERT(varchar, x, @style) FROM t

@@ -1,0 +1,1 @@
+UPDATE TOP (1) t SET a = 1

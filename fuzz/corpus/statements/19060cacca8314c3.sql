@@ -1,0 +1,1 @@
+SELECT A.*FROM   TbTipoReceita AWHERE  A.Cd_TipoReceita = 5;

@@ -1,0 +1,1 @@
+UPDATE [DADOS$] SET Qt_TotalEmbarque = 1 WHERE No_DiaMovimento = 1; DELETE FROM x

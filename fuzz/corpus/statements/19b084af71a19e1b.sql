@@ -1,0 +1,1 @@
+INSERT INTO TbContaReceber VALUES (1, '30/11/2026', 3, 10, 2, 'AB', 'CD', 5, 1.5), (2, '31/12/2026 23:59:59', NULL, 1, NULL, NULL, 'x', 7, NULL)

@@ -1,0 +1,1 @@
+INSERT INTO TbCidade (Cd_Cidade, Nm_Cidade, Cd_UF, Sg_UF) VALUES (4, 'Uberaba', 11, 'MG')

@@ -1,0 +1,1 @@
+SELECT name, type, pk FROM 

@@ -1,0 +1,1 @@
+DELETE FROM   TbPessoaWHERE  Cd_Pessoa = 7

@@ -1,0 +1,1 @@
+INSERT INTO TbPessoa (Cd_Pessoa, Nm_Pessoa) VALUES (12, 'José da Silva')

@@ -1,0 +1,1 @@
+CREATE TABLE titulos (X C(1))

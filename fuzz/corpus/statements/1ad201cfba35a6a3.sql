@@ -1,0 +1,1 @@
+SELECT SUM(Qt_Total) FROM cgrMapaControleDesembarque1

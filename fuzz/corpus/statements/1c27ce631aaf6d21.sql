@@ -1,0 +1,1 @@
+SELECT 'a' + (CASE WHEN 1 = 1 THEN 'b' ELSE 'c' END) + Upper('ç')

@@ -1,0 +1,1 @@
+SELECT A.*FROM   TbSequenciadores AWHERE  A.Nm_Atributo = '';

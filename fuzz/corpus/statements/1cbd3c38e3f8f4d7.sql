@@ -1,0 +1,1 @@
+INSERT INTO TbTelefone (Cd_Pessoa, No_TipoTelefone, No_Telefone) VALUES (7, 1, '3000-0000')

@@ -1,0 +1,1 @@
+CREATE TABLE Evento (Cd INTEGER, Evento INTEGER, Dt_Passagem TEXT)

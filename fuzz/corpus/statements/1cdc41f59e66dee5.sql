@@ -1,0 +1,1 @@
+SELECT COUNT(*) FROM TbViagemOnibus WHERE No_Andamento = 2 AND Qt_EmbarquesComPassagem > 0 AND Hr_SaidaRodoviaria IS NOT NULL

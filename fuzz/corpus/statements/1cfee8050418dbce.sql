@@ -1,0 +1,1 @@
+INSERT INTO TbTarifa (Cd_EmpresaUsuariaSistema, Ds_Tarifa, Vl_Tarifa, Cd_TipoReceita) VALUES (1, 'EMBARQUE INTERESTADUAL', 1.25, 1)

@@ -1,0 +1,1 @@
+INSERT INTO TbCEP_TbLogradouro (Cd_Logradouro, Cd_EP) VALUES (20, '74000-000'), (21, '70000-000')

@@ -1,0 +1,1 @@
+SELECT Len(Ds_IdentificacaoCartao), Upper(Nm_Portador), LTrim(Ds_IdentificacaoCartao) + '|', CharIndex('JO', Nm_Portador), Substring(Nm_Portador, 2, 10), Round(12.345, 2), Day(Hr_Validade), Month(Hr_Validade), Year(Hr_Validade), Left(Nm_Portador, 2), Right(Nm_Portador, 2), Replace(Nm_Portador, 'JOÃO', 'x'), Lower('ÁGUA') FROM TbCartaoEstacionamento ORDER BY 1 DESC, 2

@@ -1,0 +1,1 @@
+CREATE TABLE TbConvenioEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, Cd_ClienteConvenio INTEGER, Qt_Vagas INTEGER)

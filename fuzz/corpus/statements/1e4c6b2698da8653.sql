@@ -1,0 +1,1 @@
+SELECT   C.Cd_Pessoa,

@@ -1,0 +1,1 @@
+INSERT INTO TbCaixa (Cd_EmpresaUsuariaSistema, Cd_Caixa, Cd_Usuario) VALUES (1, 2, 1)

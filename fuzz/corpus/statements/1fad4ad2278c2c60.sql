@@ -1,0 +1,1 @@
+INSERT INTO TbPessoaFisica (Cd_Pessoa, No_CPF) VALUES (40, '111.111.111-11')

@@ -1,0 +1,1 @@
+DELETE FROM TbViagemOnibus A WHERE A.No_Plataforma = 3 AND A.Cd_EmpresaUsuariaSistema = 1

@@ -1,0 +1,1 @@
+SELECT Ds_TipoOnibus FROM TbTipoOnibus WHERE Cd_TipoOnibus IN (7, 8) ORDER BY Cd_TipoOnibus

@@ -1,0 +1,1 @@
+CREATE TABLE Dos (NOME C(10))

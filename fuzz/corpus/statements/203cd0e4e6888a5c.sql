@@ -1,0 +1,1 @@
+INSERT INTO TbTarifa (Ds_Tarifa, Cd_TipoReceita) VALUES ('ERRADA', 99)

@@ -1,0 +1,1 @@
+CREATE TABLE TbCartaoEstacionamento (Cd_EmpresaUsuariaSistema INTEGER, Cd_ClienteEstacionamento INTEGER, Cd_CartaoEstacionamento INTEGER, Ds_IdentificacaoCartao TEXT, Nm_Portador TEXT, No_TipoVeiculo INTEGER, Hr_Validade TEXT)

@@ -1,0 +1,1 @@
+SELECT A.* FROM TbBairro A WHERE A.Cd_Bairro = 0

@@ -1,0 +1,1 @@
+INSERT INTO TbVeiculo (Cd_Placa) VALUES ('abc1d23')

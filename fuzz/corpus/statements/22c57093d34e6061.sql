@@ -1,0 +1,1 @@
+SELECT TbConvenioEstacionamento.Qt_Vagas -

@@ -1,0 +1,1 @@
+SELECT   A.Cd_Cidade,         A.Nm_Cidade,         A.Sg_UF,         A.Qt_DistanciaEmKmFROM     TbCidade A

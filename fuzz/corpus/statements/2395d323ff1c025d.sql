@@ -1,0 +1,1 @@
+SELECT count(*) FROM sqlite_master WHERE type = 'index' AND (name LIKE 'IX%' OR name LIKE 'UX%')

@@ -1,0 +1,1 @@
+DELETE FROM   TbVeiculoWHERE  Cd_Placa = 'ABC1D23'

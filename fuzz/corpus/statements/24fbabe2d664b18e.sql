@@ -1,0 +1,1 @@
+SELECT A.*FROM   TbUF AWHERE  A.Cd_UF = 0;

@@ -1,0 +1,1 @@
+INSERT INTO TbAgendaSom (Cd_EmpresaUsuariaSistema, Cd_AgendaSom, Cd_ViagemOnibus, Ic_Feito) VALUES (1, 1, 5, 0)

@@ -1,0 +1,1 @@
+INSERT INTO TbFechamentoDiario (Cd_EmpresaUsuariaSistema, Dt_FechamentoDiario, Vl_Deposito) VALUES (1, '2026-11-01', 1234.56)

@@ -1,0 +1,1 @@
+SELECT count(*) FROM TbUF WHERE Nm_UF = 'goias'

@@ -1,0 +1,1 @@
+INSERT INTO TbCor (Cd_Cor, Nm_Cor) VALUES (4, 'Vermelho')

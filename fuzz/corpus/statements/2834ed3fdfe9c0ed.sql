@@ -1,0 +1,1 @@
+INSERT INTO TbTituloEPatente (Cd_TituloEPatente, Nm_TituloEPatente, Sg_TituloEPatente) VALUES (1, 'Doutor', 'Dr.')

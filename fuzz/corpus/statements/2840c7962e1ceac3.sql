@@ -1,0 +1,1 @@
+SELECT * FROM TempApuracaoReceita7 ORDER BY 1, 2

@@ -1,0 +1,1 @@
+SELECT Ds_CriptoSenha FROM TbUsuario WHERE Nm_Usuario = '

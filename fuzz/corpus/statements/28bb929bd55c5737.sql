@@ -1,0 +1,1 @@
+SELECT Total = Cd_Cor * 10, 'Nome' = Nm_Cor + '?', [Soma Dupla] = Cd_Cor + Cd_Cor FROM TbCor WHERE Cd_Cor = 2

@@ -1,0 +1,1 @@
+INSERT INTO TbBairro (Nm_Bairro, Cd_Cidade) VALUES ('Cambuí', 1)

@@ -1,0 +1,1 @@
+DELETE FROM TbCidade WHERE Cd_Cidade = 2

@@ -1,0 +1,1 @@
+INSERT INTO TbLogradouro (Cd_Logradouro, Nm_Logradouro, Cd_TipoLogradouro, Cd_Cidade) VALUES (20, 'Goiás', 1, 3)

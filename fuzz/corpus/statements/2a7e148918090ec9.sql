@@ -1,0 +1,1 @@
+SELECT Nm_Bairro, Dt_Cadastro, Vl_Taxa, Qt_Vagas FROM TbBairro WHERE Cd_Bairro = 42

@@ -1,0 +1,1 @@
+SELECT COUNT(*) FROM TbFechamentoDiario WHERE Dt_FechamentoDiario = '2026-03-02' AND Vl_Deposito = 3480

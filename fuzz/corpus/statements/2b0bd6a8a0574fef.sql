@@ -1,0 +1,1 @@
+SELECT count(DISTINCT Nm_UF) FROM TbUF

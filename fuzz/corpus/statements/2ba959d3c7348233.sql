@@ -1,0 +1,1 @@
+CREATE TABLE T(Id INT)

@@ -1,0 +1,1 @@
+SELECT * FROM T WHERE V = 2.5 AND B = 1

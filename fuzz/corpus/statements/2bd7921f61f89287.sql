@@ -1,0 +1,1 @@
+insert into Titulos (valor, cidade, fracao, data) values (-5 / 100, 'Itaú d''Oeste', (1 + 1.5) * 2 / 1000, '')

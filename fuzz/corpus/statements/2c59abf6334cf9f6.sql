@@ -1,0 +1,1 @@
+SELECT    C.Ds_Tarifa,

@@ -1,0 +1,1 @@
+CREATE TABLE TbCidade (Cd_Cidade INTEGER, Nm_Cidade TEXT, Sg_Uf TEXT)

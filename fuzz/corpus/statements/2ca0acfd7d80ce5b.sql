@@ -1,0 +1,1 @@
+SELECT Nm_TipoReceita FROM TbTipoReceita WHERE Cd_TipoReceita = 5

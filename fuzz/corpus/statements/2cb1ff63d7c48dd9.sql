@@ -1,0 +1,1 @@
+INSERT INTO TbPar VALUES (1, 2, 'y')

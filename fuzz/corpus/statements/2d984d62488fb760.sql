@@ -1,0 +1,1 @@
+INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (9, 'Goiás', 'GO'), (7, 'Distrito Federal', 'DF'), (5, 'Bahia', 'BA')

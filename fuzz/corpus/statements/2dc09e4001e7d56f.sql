@@ -1,0 +1,1 @@
+INSERT INTO TbLinha VALUES (1, 1, 2), (2, 2, 1)

@@ -1,0 +1,1 @@
+INSERT INTO TbUsuario (Cd_EmpresaUsuariaSistema, Cd_Usuario, Nm_Usuario) VALUES (2, 3, 'caixa')

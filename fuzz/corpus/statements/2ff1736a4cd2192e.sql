@@ -1,0 +1,1 @@
+SELECT No_Frota FROM TbVeiculoOnibus ORDER BY Cd_Placa

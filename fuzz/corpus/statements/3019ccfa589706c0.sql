@@ -1,0 +1,1 @@
+SELECT Cd_HorarioLinha,

@@ -1,0 +1,1 @@
+DELETE FROM   TbTipoReceitaWHERE  Cd_TipoReceita = 3

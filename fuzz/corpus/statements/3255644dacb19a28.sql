@@ -1,0 +1,1 @@
+SELECT Count(*) AS Qt FROM cgrApuracaoReceita3 WHERE Vl_TarifaDia = 1

@@ -1,0 +1,1 @@
+INSERT INTO TbVeiculo (Cd_Placa) VALUES ('ÁBC1D23')

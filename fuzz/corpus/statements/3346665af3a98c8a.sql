@@ -1,0 +1,1 @@
+CREATE TABLE TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Ds_Tarifa TEXT)

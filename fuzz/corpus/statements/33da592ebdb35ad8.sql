@@ -1,0 +1,1 @@
+INSERT INTO TbCEP_TbLogradouro (Cd_Logradouro, Cd_EP) VALUES (21, '70000-000')

@@ -1,0 +1,1 @@
+CREATE TABLE TbContaReceber (No_ContaReceber INTEGER, Dt_Vencimento TIMESTAMP(0), Qt_DiasProrrogacao INTEGER, Qt_A INTEGER, Qt_B INTEGER, Codigo VARCHAR(5), Outro VARCHAR(5), Inteiro INTEGER, Valor NUMERIC(19,4))

@@ -1,0 +1,1 @@
+SELECT Cd_A, Nm FROM TbPar WHERE Cd_B = 1

@@ -1,0 +1,1 @@
+SELECT COUNT(*) FROM TbItemMapaMovimentoED WHERE Qt_Desembarques > 0

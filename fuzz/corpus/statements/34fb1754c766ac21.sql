@@ -1,0 +1,1 @@
+SELECT (IsNull(TbPrecoEstacionamentoMensalista.Qt_HorasPermanencia,24) * 60) As Qt_MinutosPermitidoDia

@@ -1,0 +1,1 @@
+INSERT INTO Hl VALUES (1, 4), (2, 7)

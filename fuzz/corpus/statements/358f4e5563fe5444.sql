@@ -1,0 +1,1 @@
+INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro) VALUES (1, 'A')

@@ -1,0 +1,1 @@
+INSERT INTO TbTelefone (Cd_Pessoa, No_TipoTelefone) VALUES (2, 256)

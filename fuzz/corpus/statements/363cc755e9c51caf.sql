@@ -1,0 +1,1 @@
+SELECT COUNT(DISTINCT Cd_TipoReceita) FROM TbTarifa

@@ -1,0 +1,1 @@
+SELECT Cd_Bairro FROM TbBairro WHERE Dt_Cadastro >= '21/11/2026 00:00:00' ORDER BY Cd_Bairro

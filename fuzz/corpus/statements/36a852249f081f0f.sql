@@ -1,0 +1,1 @@
+INSERT INTO TbLinha (Cd_CidadeOrigem, Cd_CidadeDestino) VALUES (1, 2)

@@ -1,0 +1,1 @@
+SELECT IsNull(P.Nm_Pessoa, '') As Nm_Pessoa FROM TbClienteEstacionamento C LEFT JOIN TbPessoa P ON P.Cd_Pessoa = C.Cd_ClienteEstacionamento WHERE C.Cd_EmpresaUsuariaSistema = ? And C.Cd_ClienteEstacionamento = ?

@@ -1,0 +1,1 @@
+SELECT   DISTINCT *from TempCidadeORDER BY Cd_Cidade

@@ -1,0 +1,1 @@
+INSERT INTO Titulos (NOME) VALUES ('c')

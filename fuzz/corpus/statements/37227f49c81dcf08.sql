@@ -1,0 +1,1 @@
+CREATE TABLE TbLinha (Cd_Linha INTEGER, Cd_CidadeOrigem INTEGER, Cd_CidadeDestino INTEGER)

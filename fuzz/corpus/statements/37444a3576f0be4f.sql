@@ -1,0 +1,1 @@
+INSERT INTO TbTicketSanitario (Cd_EmpresaUsuariaSistema, Cd_TicketSanitario, Cd_Tarifa, Qt_Unidade) VALUES (1, 1, 1, 1)

@@ -1,0 +1,1 @@
+SELECT CONVERT(datetime, '31/02/2026')

@@ -1,0 +1,1 @@
+SELECT Cd_TipoOnibus,       Ds_TipoOnibusFROM   TbTipoOnibusORDER BY Ds_TipoOnibus

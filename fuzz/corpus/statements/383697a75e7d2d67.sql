@@ -1,0 +1,1 @@
+INSERT INTO TbEMail (Cd_Pessoa, Ds_EMail) VALUES (7, 'maria@terminal.com.br')

@@ -1,0 +1,1 @@
+INSERT INTO TbBairro VALUES (2, 5)

@@ -1,0 +1,1 @@
+INSERT INTO TbHorariosLinha (Cd_EmpresaUsuariaSistema, Cd_Linha, Cd_HorarioLinha) VALUES (1, 1, 10)

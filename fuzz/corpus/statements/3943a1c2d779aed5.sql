@@ -1,0 +1,1 @@
+SELECT "TBBAIRRO".Nm_Bairro FROM dbo.TbBairro As A WHERE dbo.TbBairro.Cd_Bairro = 1

@@ -1,0 +1,1 @@
+SELECT @x = Qt_A FROM T

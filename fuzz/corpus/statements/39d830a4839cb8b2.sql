@@ -1,0 +1,1 @@
+INSERT INTO TbUF (Nm_UF, Sg_UF) VALUES ('Goiás de novo', 'go')

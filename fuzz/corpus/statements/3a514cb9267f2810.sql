@@ -1,0 +1,1 @@
+SELECT name, database_id, create_dateFrom   sys.databasesWHERE  name = 'MDESTACIONAMENTO'

@@ -1,0 +1,1 @@
+SELECT * FROM TbTipoReceita WHERE Cd_TipoReceita = 3

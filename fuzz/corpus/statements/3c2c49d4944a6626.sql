@@ -1,0 +1,1 @@
+SELECT  Sum(cgrApuracaoReceita3.Qt_Tarifa1) AS Qt_TotalTarifa

@@ -1,0 +1,1 @@
+SELECT COUNT(*) FROM TempApuracaoReceita7 WHERE Ds_Observacao LIKE 'QTDE:%'

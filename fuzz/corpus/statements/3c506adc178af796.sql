@@ -1,0 +1,1 @@
+INSERT INTO TbUF (Cd_UF, Nm_UF, Sg_UF) VALUES (7, 'Distrito Federal', 'DF')

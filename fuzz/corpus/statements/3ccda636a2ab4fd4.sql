@@ -1,0 +1,1 @@
+SELECT 'TbBairro.Nm_Bairro' FROM TbBairro A -- TbBairro.x

@@ -1,0 +1,1 @@
+INSERT INTO TbVeiculo (Cd_Placa, No_Frota) VALUES ('CAR1B22', 7)

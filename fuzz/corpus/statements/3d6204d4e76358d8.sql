@@ -1,0 +1,1 @@
+SELECT COUNT(Qt_Dia03) FROM cgrMapaControleEmbarque1

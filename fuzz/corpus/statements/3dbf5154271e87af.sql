@@ -1,0 +1,1 @@
+SELECT p.name, p.type FROM 

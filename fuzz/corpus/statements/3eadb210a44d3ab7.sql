@@ -1,0 +1,1 @@
+SELECT A.*FROM   TbAgendaSom AWHERE  A.Cd_AgendaSom = 0;

@@ -1,0 +1,1 @@
+SELECT COUNT(*) FROM TbContaReceber R WHERE Vl_ContaReceber <> (SELECT SUM(A.Vl_ApuracaoReceita) FROM TbApuracaoReceita A WHERE A.Cd_Pessoa = R.Cd_Pessoa AND A.Dt_Vencimento = R.Dt_Vencimento AND A.Dt_Faturamento = '2026-03-02')

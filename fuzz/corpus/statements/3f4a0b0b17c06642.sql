@@ -1,0 +1,1 @@
+INSERT INTO TbApuracaoReceita_TbTarifa (Cd_EmpresaUsuariaSistema, No_ApuracaoReceita, Cd_Tarifa, Qt_Tarifa, Vl_Tarifa) VALUES (1, 1, 1, 31, 4.5)

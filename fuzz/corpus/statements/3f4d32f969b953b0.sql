@@ -1,0 +1,1 @@
+CREATE TABLE T (Qt_Valor REAL, Dt_Movimento TEXT, Codigo INTEGER)

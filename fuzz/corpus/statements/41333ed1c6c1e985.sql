@@ -1,0 +1,1 @@
+DELETE FROM TbHorariosLinha WHERE Cd_HorarioLinha = 10

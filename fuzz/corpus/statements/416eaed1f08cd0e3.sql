@@ -1,0 +1,1 @@
+INSERT TbCor (Nm_Cor) VALUES ('Azul')

@@ -1,0 +1,1 @@
+INSERT INTO TbBairro (Cd_Bairro, Nm_Bairro, Qt_Vagas) VALUES (2, 'Vila', 6)

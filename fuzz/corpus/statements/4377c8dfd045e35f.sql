@@ -1,0 +1,1 @@
+INSERT INTO TbEmpresaOnibus (Cd_EmpresaOnibus, Nm_EmpresaOnibus) VALUES (77, 'Viação')

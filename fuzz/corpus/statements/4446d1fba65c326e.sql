@@ -1,0 +1,1 @@
+INSERT INTO TbTicketEstacionamento (Cd_Placa, Cd_TicketEstacionamento, No_Situacao, Vl_Tarifa, Dt_Saida, Dt_Entrada, Cd_EmpresaUsuariaSistema, Cd_ClienteEstacionamento, Ic_Mensalista, Ds_Ticket, Cd_CartaoEstacionamento, Cd_Caixa)Values (

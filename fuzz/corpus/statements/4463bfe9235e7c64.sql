@@ -1,0 +1,1 @@
+SELECT char_length(nm) AS chars, id FROM 

@@ -1,0 +1,1 @@
+SELECT   D.CD_UF,         D.NM_UF,         D.SG_UFFROM     TBCEP_TbLogradouro A JOIN TbLogradouro B ON A.CD_LOGRADOURO = B.CD_LOGRADOURO                              JOIN TbCidade C ON B.CD_CIDADE = C.CD_CIDADE                              JOIN TBUF D ON C.SG_UF = D.SG_UFWHERE 

@@ -1,0 +1,1 @@
+SELECT Ds_TipoOnibus FROM TbTipoOnibus

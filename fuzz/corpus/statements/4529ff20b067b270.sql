@@ -1,0 +1,1 @@
+CREATE TABLE TbTicketEstacionamento_TbTarifa (Cd_EmpresaUsuariaSistema INTEGER, Cd_Tarifa INTEGER, Cd_TicketEstacionamento INTEGER, Qt_Unidade INTEGER, Vl_Tarifa REAL)

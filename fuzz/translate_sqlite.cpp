@@ -1,0 +1,6 @@
+#include "FuzzInput.h"
+#include "vek/db/dialect/SqliteTranslator.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  return vek::fuzz::Refusable([&] { (void)vek::dialect::TranslateToSqlite(vek::fuzz::Text(data, size)); });
+}
