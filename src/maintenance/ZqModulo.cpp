@@ -1,4 +1,5 @@
 #include "vek/maintenance/ZqModulo.h"
+#include "vek/platform/FileModes.h"
 
 #include <zip.h>
 
@@ -35,6 +36,7 @@ void Compress(const fs::path& source, const fs::path& zip_file) {
   if (zip_set_file_compression(archive.get(), static_cast<zip_uint64_t>(index), ZIP_CM_DEFLATE, 6) != 0) Fail();
   if (zip_close(archive.get()) != 0) Fail();
   archive.release();  // closed: nothing left to discard
+  detail::KeepOthersFromWriting(zip_file);
 }
 
 // Reads the entry back through the library (which checks the data against

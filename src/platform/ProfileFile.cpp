@@ -186,8 +186,10 @@ bool ReplaceFile(const fs::path& target, std::string_view content) {
   int fd = -1;
   for (int attempt = 0; attempt < 16 && fd < 0; ++attempt) {
     temporary = TemporaryPath(target);
-    // 0666 lets the process umask decide, as for any new file.
-    fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    // A new file is the owner's alone: Vek.ini and the settings store hold
+    // the database password from their first write on. A file that is there
+    // keeps its mode.
+    fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (fd < 0 && errno != EEXIST) return false;
   }
   if (fd < 0) return false;

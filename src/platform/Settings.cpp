@@ -58,8 +58,10 @@ bool CannotBeStored(std::string_view text) {
 fs::path WritableStore() {
   const fs::path file = SettingsFilePath();
   std::error_code error;
-  fs::create_directories(file.parent_path(), error);
+  const bool made = fs::create_directories(file.parent_path(), error);
   if (error) RaiseRuntimeError(kPathFileAccessError);
+  // Like the store inside it, the folder is its owner's alone.
+  if (made) fs::permissions(file.parent_path(), fs::perms::owner_all, fs::perm_options::replace, error);
   return file;
 }
 

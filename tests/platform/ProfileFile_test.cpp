@@ -256,11 +256,11 @@ TEST_F(ProfileFileTest, RefusedWritesLeaveTheFileAsItWas) {
 
   // The file's permissions survive the replacement, and no temporary file
   // is left behind.
-  ::chmod(file_.c_str(), 0600);
+  ::chmod(file_.c_str(), 0640);
   EXPECT_TRUE(WritePrivateProfileString("S", "K", "w", file_));
   struct stat info {};
   ASSERT_EQ(::stat(file_.c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0600u);
+  EXPECT_EQ(info.st_mode & 0777, 0640u);
   int entries = 0;
   for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder_)) ++entries;
   EXPECT_EQ(entries, 1);

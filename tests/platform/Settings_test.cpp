@@ -1,6 +1,7 @@
 #include "vek/platform/Settings.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -8,6 +9,7 @@
 #include <string>
 
 #include "support/TestSupport.h"
+#include "vek/platform/ProfileFile.h"
 
 namespace vek {
 namespace {
@@ -108,6 +110,33 @@ TEST_F(SettingsTest, FailedSavesRaise) {
   EXPECT_EQ(ErrorOf([] { SaveSetting("VEK", "S", " ", "v"); }).Number(), 5);
   EXPECT_EQ(ErrorOf([] { SaveSetting("VEK", "S", "A=B", "v"); }).Number(), 5);
   EXPECT_EQ(ErrorOf([] { SaveSetting("VEK", "S", "K", "two\nlines"); }).Number(), 5);
+}
+
+}  // namespace
+}  // namespace vek
+
+namespace vek {
+namespace {
+
+// A process that lets everyone write its files (umask 0) still makes the
+// store and Vek.ini, which may hold the database password, its owner's
+// alone; a file that is there keeps the mode its owner gave it.
+TEST(SettingsFileModes, NewStoresAndProfilesAreTheOwnersAloneWhateverTheUmask) {
+  testing::ScratchApp app;
+  const mode_t saved = ::umask(0);
+  SaveSetting("VEK", "Persistencia", "Ds_SenhaDB", "0A10B20C3");
+  const bool written = WritePrivateProfileString("Persistencia", "Ds_SenhaDB", "0A10B20C3", app.Ini());
+  ::umask(saved);
+  ASSERT_TRUE(written);
+  const auto owner_only = fs::perms::owner_read | fs::perms::owner_write;
+  EXPECT_EQ(fs::status(SettingsFilePath()).permissions(), owner_only);
+  EXPECT_EQ(fs::status(app.Ini()).permissions(), owner_only);
+  EXPECT_EQ(fs::status(SettingsFilePath().parent_path()).permissions() & (fs::perms::group_all | fs::perms::others_all),
+            fs::perms::none);
+
+  fs::permissions(app.Ini(), owner_only | fs::perms::group_read, fs::perm_options::replace);
+  ASSERT_TRUE(WritePrivateProfileString("Persistencia", "Ds_SenhaDB", "0B10C20D3", app.Ini()));
+  EXPECT_EQ(fs::status(app.Ini()).permissions(), owner_only | fs::perms::group_read);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "vek/db/dbase/DbfTable.h"
+#include "vek/platform/FileModes.h"
 
 #include <shapefil.h>
 
@@ -193,6 +194,8 @@ void DbfTable::Create(const fs::path& file, std::string_view name, const std::ve
   fs::path cpg = file;
   cpg.replace_extension(".cpg");
   std::ofstream(cpg, std::ios::binary | std::ios::trunc) << "1252";
+  detail::KeepOthersFromWriting(file);
+  detail::KeepOthersFromWriting(cpg);
 }
 
 int32_t DbfTable::FieldIndex(std::string_view name) const {

@@ -1,4 +1,5 @@
 #include "vek/db/workbook/WorkbookFile.h"
+#include "vek/platform/FileModes.h"
 
 #include <zip.h>
 
@@ -471,6 +472,7 @@ void WorkbookFile::Save() {
     RaiseFileError(path_, "could not be written (" + reason + "); it was left as it was");
   }
   target.release();  // zip_close freed it
+  detail::KeepOthersFromWriting(path_);
   changed_ = false;
 }
 
@@ -657,6 +659,7 @@ void WritePackage(const fs::path& path, const std::vector<std::pair<std::string,
     RaiseFileError(path, "could not be written: " + std::string(zip_strerror(archive.get())));
   }
   archive.release();
+  detail::KeepOthersFromWriting(temporary);
   std::error_code error;
   fs::rename(temporary, path, error);
   if (error) {
