@@ -1,6 +1,8 @@
 // vek board and vek timetable: the viewer's board and the passengers'
 // timetable search on an existing terminal folder.
 
+#include <algorithm>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -26,6 +28,13 @@ std::pair<std::string, std::string> CityAndState(const std::string& text) {
 
 }  // namespace
 
+bool IsSqliteFile(const fs::path& file) {
+  static constexpr char kHeader[] = "SQLite format 3";  // and its NUL
+  std::ifstream in(file, std::ios::binary);
+  char start[sizeof kHeader] = {};
+  return in.read(start, sizeof start) && std::equal(start, start + sizeof start, kHeader);
+}
+
 std::shared_ptr<cgpSistema> OpenTerminal(const fs::path& folder) {
   if (!fs::is_regular_file(folder / "Vek.ini")) {
     throw VekError(kBusinessError, std::string(),
@@ -33,11 +42,19 @@ std::shared_ptr<cgpSistema> OpenTerminal(const fs::path& folder) {
   }
   SetAppPath(fs::absolute(folder));
   cgdSistema sistema;
-  std::shared_ptr<cgpSistema> session = sistema.Consultar();
+  std::shared_ptr<cgpSistema> session;
+  try {
+    session = sistema.Consultar();
+  } catch (const VekError& error) {
+    // Say which file: a person mends Vek.ini, not cgdSistema.
+    throw VekError(error.Number(), error.Source(),
+                   (folder / "Vek.ini").string() + " does not load (a key is missing or not of its kind): " +
+                       error.Description());
+  }
   const int32_t kind = CLng(session->Get("Cd_DB"));
   if (kind == 0 || kind == BancoDadosSQLite3) {
     const std::string database = CStr(session->Get("Ds_CaminhoDB"));
-    if (database != ":memory:" && !fs::is_regular_file(database)) {
+    if (database != ":memory:" && (!fs::is_regular_file(database) || !IsSqliteFile(database))) {
       throw VekError(kBusinessError, std::string(),
                      folder.string() + " holds no terminal: its database " + database + " is not there");
     }

@@ -14,8 +14,13 @@ namespace vek::cli {
 // The session of the terminal in `folder`, as its programs start: Vek.ini
 // read (the folder becomes the application folder) and the connection open.
 // Raises 0x80040458 when the folder holds no Vek.ini, or names an embedded
-// database file that is not there (none is made).
+// database file that is not there or is no SQLite database (none is made,
+// none is changed).
 std::shared_ptr<cgpSistema> OpenTerminal(const std::filesystem::path& folder);
+
+// True for a file that starts as every SQLite database does; an empty file,
+// which SQLite would take for a new database and write into, is none.
+bool IsSqliteFile(const std::filesystem::path& file);
 
 // One board (rsUltimasChegadas or rsUltimasPartidas): expected time, origin,
 // destination, company, platform and progress state, a line per trip.

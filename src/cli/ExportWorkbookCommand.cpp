@@ -12,8 +12,10 @@
 #include <optional>
 #include <string>
 
+#include "cli/BusScreens.h"
 #include "cli/Commands.h"
 #include "vek/vek.h"
+#include "vek/platform/FileModes.h"
 
 namespace vek::cli {
 namespace fs = std::filesystem;
@@ -65,9 +67,7 @@ void ExportMonthlyWorkbook(const fs::path& folder, Date from, Date to, const fs:
   struct AppPathRestorer {
     ~AppPathRestorer() { SetAppPath({}); }
   } restore_app_path;
-  cgdSistema sistema;
-  std::shared_ptr<cgpSistema> session = sistema.Consultar();
-  session->AbrirConexao();
+  std::shared_ptr<cgpSistema> session = OpenTerminal(terminal);
 
   const fs::path workbook = fs::absolute(file);
   if (!fs::exists(workbook)) {
@@ -77,6 +77,7 @@ void ExportMonthlyWorkbook(const fs::path& folder, Date from, Date to, const fs:
                      "Nem " + workbook.string() + " nem o modelo " + model.string() + " existem (use vek init)");
     }
     fs::copy_file(model, workbook);
+    detail::KeepOthersFromWriting(workbook);
     out << "workbook  " << workbook.string() << " (made from " << model.string() << ")\n";
   }
 

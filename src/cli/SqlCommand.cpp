@@ -1,12 +1,15 @@
 // vek sql: shows how a SQL Server statement reads in another dialect and,
 // with --run, runs it on a database and prints the rows.
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
 #include <string>
 
+#include "cli/BusScreens.h"
 #include "cli/Commands.h"
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
@@ -16,6 +19,7 @@
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/AppPath.h"
 #include "vek/foundation/MessageCatalogue.h"
+#include "vek/platform/Text.h"
 #include "vek/platform/Variant.h"
 
 namespace vek::cli {
@@ -83,11 +87,29 @@ bool IsTerminalFolder(const std::string& target) {
 
 // A database given as a path must be there: opening a mistyped path would
 // make an empty database file in its place.
-void RequireExistingDatabase(const std::string& database) {
-  if (database.find('=') != std::string::npos || database == ":memory:") return;  // a connection string
+void RequireExistingDatabase(const std::string& target) {
+  if (target == ":memory:") return;
+  std::string database = target;
+  if (target.find('=') != std::string::npos) {
+    // A connection string: a server's is the server's business, SQLite's
+    // names its file.
+    if (LCase(target).find("sqlite") == std::string::npos) return;
+    database.clear();
+    size_t start = 0;
+    while (start <= target.size()) {
+      const size_t end = std::min(target.find(';', start), target.size());
+      const std::string part = target.substr(start, end - start);
+      const size_t equals = part.find('=');
+      if (equals != std::string::npos && EqualsIgnoreCase(Trim(part.substr(0, equals)), "Database")) {
+        database = Trim(part.substr(equals + 1));
+      }
+      start = end + 1;
+    }
+    if (database == ":memory:") return;
+  }
   if (IsTerminalFolder(database)) return;
   std::error_code error;
-  if (!std::filesystem::is_regular_file(database, error)) {
+  if (!std::filesystem::is_regular_file(database, error) || !IsSqliteFile(database)) {
     throw VekError(kBusinessError, std::string(), "no database file or terminal folder at " + database);
   }
 }
@@ -96,9 +118,7 @@ void RequireExistingDatabase(const std::string& database) {
 // anything else is a database file or a connection string.
 std::shared_ptr<Connection> OpenTarget(const std::string& target) {
   if (IsTerminalFolder(target)) {
-    SetAppPath(std::filesystem::canonical(target));
-    cgdSistema sistema;
-    return sistema.Consultar()->AbrirConexao();
+    return OpenTerminal(std::filesystem::canonical(target))->Ob_Conexao();
   }
   auto connection = std::make_shared<Connection>();
   connection->Open(target);

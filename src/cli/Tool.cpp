@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <iostream>
 #include <streambuf>
+#include <string>
+#include <string_view>
 
 #include "cli/Commands.h"
 #include "vek/vek.h"
@@ -23,6 +25,33 @@ class CoutRedirect {
   std::streambuf* saved_;
 };
 
+// A message on one line: a database's text may run over several (psqlODBC
+// adds a hint on a second line), and a person reads one line per failure.
+std::string OneLine(std::string_view text) {
+  std::string line;
+  bool blank = false;
+  for (char c : text) {
+    const bool space = c == '\n' || c == '\r' || c == '\t' || c == ' ';
+    if (space) {
+      blank = !line.empty();
+      continue;
+    }
+    if (blank) line += ' ';
+    blank = false;
+    line += c;
+  }
+  return line;
+}
+
+// Bad usage in one line, with where to read more.
+std::string UsageFailure(const CLI::App* app, const CLI::Error& error) {
+  std::string command = app->get_name();
+  for (const CLI::App* parent = app->get_parent(); parent != nullptr; parent = parent->get_parent()) {
+    command = parent->get_name() + " " + command;
+  }
+  return "vek: " + OneLine(error.what()) + " (see " + command + " --help)\n";
+}
+
 }  // namespace
 
 CLI::App& AddExportGroup(CLI::App& app) {
@@ -35,6 +64,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   CLI::App app{"vek - data-persistence layer of the bus-terminal administration suite", "vek"};
   app.set_version_flag("-V,--version", std::string("vek ") + kVersion);
   app.require_subcommand(0, 1);
+  app.failure_message(UsageFailure);
   AddSqlCommand(app);
   AddInitCommand(app);
   AddDemoCommand(app);
@@ -65,12 +95,12 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
     // Object and database errors read best in hexadecimal (0x80040E14).
     std::snprintf(number, sizeof number, error.Number() < 0 ? "0x%08X" : "%d",
                   static_cast<unsigned>(error.Number()));
-    err << "vek: " << error.Description() << " (error " << number;
+    err << "vek: " << OneLine(error.Description()) << " (error " << number;
     if (!error.Source().empty()) err << ", source: " << error.Source();
     err << ")\n";
     return 1;
   } catch (const std::exception& error) {
-    err << "vek: " << error.what() << "\n";
+    err << "vek: " << OneLine(error.what()) << "\n";
     return 1;
   }
 }

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <string>
 
+#include "cli/BusScreens.h"
 #include "cli/Commands.h"
 #include "vek/vek.h"
 
@@ -24,9 +25,7 @@ void PrintYard(const fs::path& folder, std::ostream& out) {
   struct AppPathRestorer {
     ~AppPathRestorer() { SetAppPath({}); }
   } restore_app_path;
-  cgdSistema sistema;
-  std::shared_ptr<cgpSistema> session = sistema.Consultar();
-  session->AbrirConexao();
+  std::shared_ptr<cgpSistema> session = OpenTerminal(terminal);
 
   cgdEmpresaUsuariaSistema empresa;
   empresa.Ob_cgpSistema(session);

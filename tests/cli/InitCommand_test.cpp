@@ -206,7 +206,9 @@ TEST(PostgresInit, WritesTheServerIntoVekIniAndCreatesTheSchemaThere) {
   EXPECT_EQ(ErrorOf([&] { cli::InitTerminalFolder(app.Path() / "x", cli::ServerDatabase{}, again); }).Number(),
             kBusinessError);
 
-  // A repair of the folder (vek init --force) keeps the terminal on its server.
+  // A repair of the folder (vek init --force) keeps the terminal on its server
+  // and its date format.
+  ASSERT_TRUE(WritePrivateProfileString("Persistencia", "Ds_FormatoData", "dd/mm/yyyy", folder / "Vek.ini"));
   std::ostringstream repaired;
   cli::InitTerminalFolder(app.Path() / "terminal", true, repaired);
   EXPECT_NE(repaired.str().find(server.Name() + " on " + postgres.server), std::string::npos) << repaired.str();
@@ -215,6 +217,8 @@ TEST(PostgresInit, WritesTheServerIntoVekIniAndCreatesTheSchemaThere) {
   EXPECT_EQ(CLng(reloaded->Get("Cd_DB")), 41);
   EXPECT_EQ(CStr(reloaded->Get("Nm_ServidorDB")), postgres.server);
   EXPECT_EQ(CStr(reloaded->Get("Ds_CaminhoDB")), server.Name());
+  EXPECT_EQ(CStr(reloaded->Get("Ds_FormatoData")), "dd/mm/yyyy");
+  EXPECT_EQ(GetPrivateProfileString("Persistencia", "Ds_FormatoData", "", folder / "Vek.ini"), "dd/mm/yyyy");
   EXPECT_EQ(FirstValue(*connection, "SELECT Nm_UF FROM TbUF WHERE Sg_UF = 'GO'"), "Goiás");
 }
 #endif

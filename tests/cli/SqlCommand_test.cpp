@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -20,6 +21,10 @@ TEST(SqlCommandTest, BadUsageIsExitTwoAndAMissingDatabaseIsRefusedWithoutMakingA
   testing::ScratchFolder scratch;
   const std::string missing = (scratch.Path() / "no-such" / "Vek.db").string();
   const std::string mistyped = (scratch.Path() / "Vke.db").string();
+  const std::string text_file = (scratch.Path() / "notes.txt").string();
+  const std::string empty_file = (scratch.Path() / "empty.db").string();
+  std::ofstream(text_file) << "SELECT 1 is what I meant to run\n";
+  std::ofstream(empty_file).flush();
   const struct {
     std::vector<std::string> args;
     int code;
@@ -31,6 +36,9 @@ TEST(SqlCommandTest, BadUsageIsExitTwoAndAMissingDatabaseIsRefusedWithoutMakingA
       {{"sql", "--run", missing, "SELECT 1"}, 1},            // a folder that is not there
       {{"sql", "--run", mistyped, "SELECT 1"}, 1},           // a typo in the file name
       {{"sql", "--run", scratch.Path().string(), "SELECT 1"}, 1},  // a folder, not a file
+      {{"sql", "--run", "Driver=SQLite3;Database=" + mistyped, "SELECT 1"}, 1},  // the typo in a string
+      {{"sql", "--run", text_file, "SELECT 1"}, 1},          // a file that is no database
+      {{"sql", "--run", empty_file, "SELECT 1"}, 1},         // SQLite would take it for a new one
   };
   for (const auto& tried : cases) {
     const ToolRun run = RunTool(tried.args);
@@ -41,6 +49,7 @@ TEST(SqlCommandTest, BadUsageIsExitTwoAndAMissingDatabaseIsRefusedWithoutMakingA
     }
   }
   EXPECT_FALSE(fs::exists(mistyped));
+  EXPECT_EQ(fs::file_size(empty_file), 0u);
   EXPECT_FALSE(fs::exists(scratch.Path() / "no-such"));
 }
 
