@@ -1,6 +1,6 @@
 #include "vek/db/dialect/SqliteFunctions.h"
 
-#include <sqlite3.h>
+#include "vek/db/dialect/SqliteApi.h"
 
 #include <algorithm>
 #include <charconv>
