@@ -78,7 +78,7 @@ TEST(PostgresBackup, AFullAndADifferentialDumpRestoreIntoANewDatabase) {
   options.force = true;
   RestoreBackup(media, options);
 #else
-  GTEST_SKIP() << "needs libpq";
+  VEK_SKIP_WITHOUT_SERVER("the PostgreSQL backup test needs libpq");
 #endif
 }
 
