@@ -151,7 +151,7 @@ TEST_F(BadInputTest, WrongArgumentsAreBadUsage) {
   const std::string dir = terminal_.string();
   Expect({{"an unknown command", {"frobnicate"}, 2},
           {"an unknown option", {"--frobnicate"}, 2},
-          {"two commands", {"board", "yard"}, 2},
+          {"an argument too many", {"board", terminal_.string(), "extra"}, 2},
           {"sql without a statement", {"sql"}, 2},
           {"sql with two statements", {"sql", "SELECT 1", "SELECT 2"}, 2},
           {"sql with an unknown dialect", {"sql", "-d", "oracle", "SELECT 1"}, 2},
@@ -188,7 +188,7 @@ TEST_F(BadInputTest, FoldersThatAreNotTerminalsAreRefusedAndNothingIsMade) {
             {"export workbook",
              {"export", "workbook", folder, (root_ / "out.xlsx").string(), ddmm[0], ddmm[1], ddmm[2], ddmm[3]},
              1},
-            {"export dbf", {"export", "dbf", folder, (root_ / "SE1.dbf").string(), ddmm[0], ddmm[1], ddmm[2], ddmm[3]}, 1},
+            {"export dbf", {"export", "dbf", folder, root_.string(), "SE1", ddmm[0], ddmm[1], ddmm[2], ddmm[3]}, 1},
             {"sql --run", {"sql", "--run", folder, "SELECT 1"}, 1},
             {"restore", {"restore", folder}, 1}},
            root_);
@@ -231,7 +231,7 @@ TEST_F(BadInputTest, ABrokenVekIniIsReportedInOneLineAndLeftAsItIs) {
             {ini.what + ", report till", {"report", "till", dir, "1"}, 1},
             {ini.what + ", export workbook",
              {"export", "workbook", dir, (root_ / "out.xlsx").string(), ddmm[0], ddmm[1], ddmm[2], ddmm[3]}, 1},
-            {ini.what + ", export dbf", {"export", "dbf", dir, (root_ / "SE1.dbf").string(), ddmm[0], ddmm[1], ddmm[2], ddmm[3]}, 1},
+            {ini.what + ", export dbf", {"export", "dbf", dir, root_.string(), "SE1", ddmm[0], ddmm[1], ddmm[2], ddmm[3]}, 1},
             {ini.what + ", sql --run", {"sql", "--run", dir, "SELECT count(*) FROM TbUF"}, 1},
             {ini.what + ", demo", {"demo", dir}, 1},
             {ini.what + ", init without --force", {"init", dir}, 1}},
