@@ -63,6 +63,15 @@ std::shared_ptr<cgpSistema> OpenTerminal(const fs::path& folder) {
   return session;
 }
 
+std::string TripStateName(int32_t state) {
+  switch (state) {
+    case kTripAtPlatform: return "Embarque";
+    case kTripDeparted: return "Partiu";
+    case kTripArrived: return "Chegou";
+    default: return "Previsto";
+  }
+}
+
 void PrintBoard(std::ostream& out, Recordset& rows, std::string (*state_name)(int32_t)) {
   demo::TextTable table({{"Previsto"}, {"Origem"}, {"Destino"}, {"Empresa"}, {"Plat.", Align::Right},
                          {state_name ? "Situação" : "Andamento", state_name ? Align::Left : Align::Right}});

@@ -21,6 +21,11 @@ std::shared_ptr<cgpSistema> OpenTerminal(const std::filesystem::path& folder);
 // True for a file that starts as every SQLite database does; an empty file,
 // which SQLite would take for a new database and write into, is none.
 bool IsSqliteFile(const std::filesystem::path& file);
+// Progress states of a trip (No_Andamento), as this terminal's programs set them.
+enum TripState : int32_t { kTripExpected = 0, kTripAtPlatform = 1, kTripDeparted = 2, kTripArrived = 3 };
+// The caption of a progress state on the terminal's screens ("Previsto" for
+// any state it does not know).
+std::string TripStateName(int32_t state);
 
 // One board (rsUltimasChegadas or rsUltimasPartidas): expected time, origin,
 // destination, company, platform and progress state, a line per trip.

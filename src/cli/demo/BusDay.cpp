@@ -21,17 +21,8 @@ namespace {
 using Align = TextTable::Align;
 using Values = std::initializer_list<std::pair<std::string_view, Variant>>;
 
-// Progress states of a trip, as this terminal's programs set them.
-enum TripState : int32_t { kExpected = 0, kAtPlatform = 1, kDeparted = 2, kArrived = 3 };
-
-std::string StateName(int32_t state) {
-  switch (state) {
-    case kAtPlatform: return "Embarque";
-    case kDeparted: return "Partiu";
-    case kArrived: return "Chegou";
-    default: return "Previsto";
-  }
-}
+constexpr int32_t kExpected = kTripExpected, kAtPlatform = kTripAtPlatform, kDeparted = kTripDeparted,
+                  kArrived = kTripArrived;
 
 // What the bus part registers for its later steps.
 struct BusFacts {
@@ -380,9 +371,9 @@ void Board(DayContext& day) {
   day.out << "  The viewer at " << Format(Variant(day.session->Now()), "hh:Nn")
           << ", trips due up to 30 minutes ahead (Qt_TempoAntecedenciaMostrarViagensVisualizador):\n\n";
   day.out << "  CHEGADAS (cgdEmpresaUsuariaSistema.rsUltimasChegadas(6))\n";
-  PrintBoard(day.out, *company.rsUltimasChegadas(6), StateName);
+  PrintBoard(day.out, *company.rsUltimasChegadas(6), TripStateName);
   day.out << "\n  PARTIDAS (cgdEmpresaUsuariaSistema.rsUltimasPartidas(6))\n";
-  PrintBoard(day.out, *company.rsUltimasPartidas(6), StateName);
+  PrintBoard(day.out, *company.rsUltimasPartidas(6), TripStateName);
 }
 
 void Announcements(DayContext& day) {
