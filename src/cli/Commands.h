@@ -29,6 +29,7 @@ CLI::App& AddExportGroup(CLI::App& app);
 void AddExportDbfCommand(CLI::App& export_group);
 void AddExportWorkbookCommand(CLI::App& export_group);
 void AddRestoreCommand(CLI::App& app);
+void AddServeCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -54,6 +55,16 @@ struct ServerDatabase {
 // database, and the schema is created there (safe to run again).
 void InitTerminalFolder(const std::filesystem::path& folder, const ServerDatabase& postgres,
                         std::ostream& out);
+
+// vek serve's work: opens the terminal of `folder` as its programs do and
+// serves its board and yard on `listen` ("host:port") until SIGINT or
+// SIGTERM, printing the address to `out` first. Raises 0x80040458 for a bad
+// address, a folder without a terminal or company, or an address in use.
+struct ServeArguments {
+  std::string listen = "127.0.0.1:8080";
+  int32_t rows = 10;
+};
+void ServeFolder(const std::filesystem::path& folder, const ServeArguments& arguments, std::ostream& out);
 
 // How vek demo runs the day.
 struct DemoOptions {

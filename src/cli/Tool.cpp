@@ -76,6 +76,7 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   AddExportDbfCommand(exports);
   AddExportWorkbookCommand(exports);
   AddRestoreCommand(app);
+  AddServeCommand(app);
 
   const bool redirect = &out != &std::cout;
   try {
