@@ -129,6 +129,8 @@ void AddDemoCommand(CLI::App& app) {
   struct DemoArguments {
     std::string folder = "demo-terminal";
     bool now = false;
+    bool serve = false;
+    ServeArguments serving;
   };
   auto arguments = std::make_shared<DemoArguments>();
   CLI::App* command = app.add_subcommand(
@@ -138,11 +140,19 @@ void AddDemoCommand(CLI::App& app) {
       ->capture_default_str();
   command->add_flag("--now", arguments->now,
                     "Run on the system clock (by default the day is 02/03/2026 from 06:00, the same every run)");
+  command->add_flag("--serve", arguments->serve,
+                    "When the day is over, serve the folder's board and yard as web pages (as vek serve does)");
+  command->add_option("--listen", arguments->serving.listen, "With --serve: address and port to listen on")
+      ->capture_default_str();
   command->callback([arguments] {
     DemoOptions options;
     options.system_clock = arguments->now;
     options.progress_bar = ::isatty(STDOUT_FILENO) == 1;
     RunDemo(arguments->folder, options, std::cout);
+    if (arguments->serve) {
+      std::cout << "\n";
+      ServeFolder(arguments->folder, arguments->serving, std::cout);
+    }
   });
 }
 
