@@ -287,7 +287,7 @@ TEST(ServeBrowserTest, TheBoardInChromiumShowsTheTripsAndFollowsTheDatabase) {
                     "Cd_EmpresaOnibus, Cd_TipoOnibus, Ic_TemEmbarques, Ic_TemDesembarque, No_Plataforma) SELECT " +
                     company + ", 9001, 9001, MIN(Cd_EmpresaOnibus), (SELECT MIN(Cd_TipoOnibus) FROM TbTipoOnibus), "
                     "1, 0, 9 FROM TbEmpresaOnibus");
-  const std::string now = Format(Variant(SystemClock().Now()), "yyyy-mm-dd hh:Nn:00");
+  const std::string now = Format(Variant(SystemClock().Now()), "yyyy-mm-dd hh:Nn") + ":00";
   database->Execute("INSERT INTO TbViagemOnibus (Cd_EmpresaUsuariaSistema, Cd_ViagemOnibus, Cd_Linha, "
                     "Cd_HorarioLinha, Hr_Previsto, No_Plataforma, No_Andamento) VALUES (" +
                     company + ", 9001, 9001, 9001, '" + now + "', 9, 1)");

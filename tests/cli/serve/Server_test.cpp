@@ -243,8 +243,12 @@ TEST_F(ServeEndpointsTest, ADatabaseErrorIs503WithAShortMessageLoggedOnceAndTheS
   const std::string log = log_.str();
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2) << log;
   EXPECT_NE(log.find("vek serve: "), std::string::npos);
-  EXPECT_NE(log.find("rsAgendaSom"), std::string::npos) << log;
-  EXPECT_NE(log.find(testing::NameInMessage("TbAgendaSom")), std::string::npos) << log;
+  EXPECT_NE(log.find("(error 0x80040E14, source: " + testing::ProviderSource() +
+                     " -> cgdEmpresaUsuariaSistema.rsAgendaSom, )\n"),
+            std::string::npos)
+      << log;
+  EXPECT_NE(log.find("source: " + testing::ProviderSource() + " -> cgdAgendaSom.Consultar, )\n"), std::string::npos)
+      << log;
 }
 
 TEST(ServeListenAddressTest, HostAndPortAreSplitAndBadAddressesRefused) {
