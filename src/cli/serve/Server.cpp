@@ -29,10 +29,15 @@ constexpr const char* kHtml = "text/html; charset=utf-8";
 constexpr const char* kJson = "application/json; charset=utf-8";
 constexpr const char* kUnavailable = "Banco de dados indisponível";
 
+// One log line: a server's message may span lines.
 std::string ErrorLine(const VekError& error) {
   char number[16];
   std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(error.Number()));
-  return error.Description() + " (error " + number + ", source: " + error.Source() + ")";
+  std::string line = error.Description() + " (error " + number + ", source: " + error.Source() + ")";
+  for (char& c : line) {
+    if (c == '\n' || c == '\r') c = ' ';
+  }
+  return line;
 }
 
 std::string JsonError(const std::string& message) { return "{\"erro\":" + JsonString(message) + "}"; }
