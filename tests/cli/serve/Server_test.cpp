@@ -13,6 +13,9 @@
 #include <thread>
 
 #include "bus/BusTerminal.h"
+#include "cli/Commands.h"
+#include "cli/ToolRun.h"
+#include "support/TestSupport.h"
 
 namespace vek::cli::serve {
 namespace {
@@ -269,3 +272,31 @@ TEST(ServeListenAddressTest, HostAndPortAreSplitAndBadAddressesRefused) {
 
 }  // namespace
 }  // namespace vek::cli::serve
+
+namespace vek {
+namespace {
+
+TEST(ServeCommandTest, ABadAddressOrAFolderWithoutATerminalIsAFailureExplainedInOneLine) {
+  testing::ScratchApp app;
+  const std::filesystem::path folder = app.Path() / "terminal";
+  std::filesystem::create_directories(folder);
+  testing::ToolRun run = testing::RunTool({"serve", folder.string()});
+  EXPECT_EQ(run.code, 1);
+  EXPECT_NE(run.err.find("holds no terminal: there is no Vek.ini"), std::string::npos) << run.err;
+  EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+
+  std::ostringstream ignored;
+  cli::InitTerminalFolder(folder, false, ignored);
+  run = testing::RunTool({"serve", folder.string(), "--listen", "localhost"});
+  EXPECT_EQ(run.code, 1);
+  EXPECT_NE(run.err.find("Endereço inválido: localhost"), std::string::npos) << run.err;
+  WritePrivateProfileString("EmpresaUsuaria", "Cd_EmpresaUsuariaSistema", "0", folder / "Vek.ini");
+  run = testing::RunTool({"serve", folder.string(), "--listen", "127.0.0.1:0"});
+  EXPECT_EQ(run.code, 1);
+  EXPECT_NE(run.err.find("não informa a empresa usuária"), std::string::npos) << run.err;
+  EXPECT_EQ(run.out, "");  // nothing was served
+  EXPECT_EQ(testing::RunTool({"serve", folder.string(), "--rows", "-1"}).code, 2);
+}
+
+}  // namespace
+}  // namespace vek
