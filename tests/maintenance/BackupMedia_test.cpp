@@ -127,6 +127,26 @@ TEST_F(BackupMediaTest, RestoresTheLastFullSetPlusTheLatestDifferentialAfterIt) 
   EXPECT_EQ(fs::status(restored).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST_F(BackupMediaTest, ADifferentialHoldsTheChangedBytesOfRowsSpreadOverTheWholeTable) {
+  AddBusCompanies(401, 20000);
+  Backup(false);
+  // One row in a hundred, across every page of the table; one column of each
+  // is longer afterwards, so the rest of its page moves too.
+  connection->Execute("UPDATE TbTipoOnibus SET Ds_TipoOnibus = 'Leito' WHERE Cd_TipoOnibus % 100 = 0");
+  connection->Execute("UPDATE TbTipoOnibus SET Ds_TipoOnibus = Ds_TipoOnibus || '!' WHERE Cd_TipoOnibus = 19950");
+  Backup(true);
+  const std::string at_backup = Dump(source);
+
+  const BackupCheck check = VerifyBackup(media);
+  ASSERT_EQ(check.sets.size(), 2u);
+  // Many pages hold a changed row, but the set holds only the bytes that changed.
+  EXPECT_GT(check.sets[1].pages, check.sets[0].pages / 4);
+  EXPECT_LT(check.sets[1].bytes, check.sets[0].bytes / 20);
+  RestoreBackup(media, Into(restored));
+  EXPECT_EQ(Dump(restored), at_backup);
+  EXPECT_EQ(Client(restored, "SELECT COUNT(*) FROM TbTipoOnibus WHERE Ds_TipoOnibus = 'Leito'"), "200\n");
+}
+
 TEST_F(BackupMediaTest, AFullSetIsAConsistentSnapshotWhileAnotherConnectionWrites) {
   auto other = std::make_shared<Connection>();
   other->Open("Driver=SQLite3;Database=" + source.string());

@@ -159,7 +159,7 @@ HeaderRead ReadHeader(Input& in, uint64_t offset, MediaSet& set) {
     result.problem = "the set's header is cut short";
     return result;
   }
-  if (stored != computed || version != kVersion || kind < 1 || kind > 4) {
+  if (stored != computed || version != kVersion || kind < 1 || kind > 5) {
     result.problem = "the set's header is damaged (checksum)";
     return result;
   }
@@ -200,11 +200,15 @@ std::string CheckPayload(Input& in, const MediaSet& set,
 }  // namespace
 
 bool IsFull(SetKind kind) { return kind == SetKind::SqliteFull || kind == SetKind::ServerDump; }
+bool IsSqliteDifferential(SetKind kind) {
+  return kind == SetKind::SqliteDifferential || kind == SetKind::SqliteDifferentialRuns;
+}
 
 std::string KindText(SetKind kind) {
   switch (kind) {
     case SetKind::SqliteFull: return "full";
-    case SetKind::SqliteDifferential: return "differential";
+    case SetKind::SqliteDifferential:
+    case SetKind::SqliteDifferentialRuns: return "differential";
     case SetKind::ServerDump: return "full (pg_dump)";
     case SetKind::ServerDumpForDifferential: return "differential taken as full (pg_dump)";
   }
@@ -222,7 +226,7 @@ std::optional<size_t> MediaContents::LatestDifferential(size_t full) const {
   for (size_t i = sets.size(); i-- > full + 1;) {
     const MediaSet& set = sets[i];
     if (set.state != MediaSet::State::Complete) continue;
-    if (set.header.kind == SetKind::SqliteDifferential && set.header.base_offset == sets[full].offset) return i;
+    if (IsSqliteDifferential(set.header.kind) && set.header.base_offset == sets[full].offset) return i;
     if (set.header.kind == SetKind::ServerDumpForDifferential) return i;
   }
   return std::nullopt;

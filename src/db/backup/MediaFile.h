@@ -9,9 +9,12 @@
 //   base offset u64 (a differential's full set), header CRC-32 u32;
 //   the payload;
 //   "VEKBKEND", payload CRC-32 u32.
-// A full SQLite set's payload is every page in order; a differential's is
-// (page number u32, page) per page that differs from its full set; a server
-// dump's is the dump file as the server's tools wrote it.
+// A full SQLite set's payload is every page in order; a differential's is,
+// per page that differs from its full set, page number u32, run count u32
+// and the runs of bytes that differ (offset u32, length u32, the bytes):
+// a row changed here and there costs its bytes, not its page. Kind 2, whole
+// pages (page number u32, page), is still read. A server dump's payload is
+// the dump file as the server's tools wrote it.
 // A set whose trailer is missing was cut short (the writing process died);
 // the next writer cuts it off before appending, and readers ignore it.
 
@@ -31,7 +34,9 @@ enum class SetKind : uint32_t {
   SqliteDifferential = 2,
   ServerDump = 3,                 // PostgreSQL custom-format dump
   ServerDumpForDifferential = 4,  // the same, taken where a differential was asked for
+  SqliteDifferentialRuns = 5,     // the changed bytes of each changed page
 };
+bool IsSqliteDifferential(SetKind kind);
 bool IsFull(SetKind kind);
 std::string KindText(SetKind kind);
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "vek/db/DbError.h"
@@ -102,21 +103,57 @@ class PageSplitter {
   uint32_t index_ = 0;
 };
 
-// The pages (0-based) of the snapshot that differ from the full set's.
-std::vector<uint32_t> ChangedPages(const Snapshot& snapshot, const fs::path& media, const MediaSet& full) {
-  std::vector<uint32_t> changed;
+// A page of the snapshot that differs from the full set's, and the runs of
+// bytes (offset, length) in it that differ.
+struct ChangedPage {
+  uint32_t index = 0;  // 0-based
+  std::vector<std::pair<uint32_t, uint32_t>> runs;
+};
+
+// Runs closer than a run's own bookkeeping (offset and length) are one run.
+constexpr uint32_t kRunGap = 8;
+
+std::vector<std::pair<uint32_t, uint32_t>> DifferingRuns(const unsigned char* before, const unsigned char* after,
+                                                         uint32_t size) {
+  std::vector<std::pair<uint32_t, uint32_t>> runs;
+  uint32_t at = 0;
+  while (at < size) {
+    if (before[at] == after[at]) {
+      ++at;
+      continue;
+    }
+    uint32_t end = at + 1;
+    uint32_t same = 0;
+    for (uint32_t i = end; i < size && same <= kRunGap; ++i) {
+      if (before[i] == after[i]) {
+        ++same;
+      } else {
+        same = 0;
+        end = i + 1;
+      }
+    }
+    runs.emplace_back(at, end - at);
+    at = end;
+  }
+  return runs;
+}
+
+// The pages of the snapshot that differ from the full set's.
+std::vector<ChangedPage> ChangedPages(const Snapshot& snapshot, const fs::path& media, const MediaSet& full) {
+  std::vector<ChangedPage> changed;
+  const std::vector<std::pair<uint32_t, uint32_t>> whole = {{0, snapshot.page_size}};
   if (full.header.page_size != snapshot.page_size) {
     // Another page size: every page is new.
-    for (uint32_t i = 0; i < snapshot.page_count; ++i) changed.push_back(i);
+    for (uint32_t i = 0; i < snapshot.page_count; ++i) changed.push_back({i, whole});
     return changed;
   }
   PageSplitter splitter(full.header.page_size, [&](uint32_t index, const unsigned char* page) {
     if (index < snapshot.page_count && std::memcmp(page, snapshot.Page(index), snapshot.page_size) != 0) {
-      changed.push_back(index);
+      changed.push_back({index, DifferingRuns(page, snapshot.Page(index), snapshot.page_size)});
     }
   });
   ReadPayload(media, full, std::ref(splitter), kSource);
-  for (uint32_t i = full.header.page_count; i < snapshot.page_count; ++i) changed.push_back(i);
+  for (uint32_t i = full.header.page_count; i < snapshot.page_count; ++i) changed.push_back({i, whole});
   return changed;
 }
 
@@ -154,6 +191,55 @@ class OutputFile {
  private:
   fs::path path_;
   int fd_ = -1;
+};
+
+// Reads a differential set's changed runs as the payload streams by and
+// writes each into its place in the restored file.
+class RunReader {
+ public:
+  RunReader(uint32_t page_size, uint32_t page_count, OutputFile& out)
+      : page_size_(page_size), page_count_(page_count), out_(out) {}
+  void operator()(const unsigned char* data, size_t size) {
+    buffer_.insert(buffer_.end(), data, data + size);
+    while (Step()) {
+    }
+    buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(used_));
+    used_ = 0;
+  }
+  void Finish() const {
+    if (runs_left_ != 0 || used_ != buffer_.size()) Fail("A differential set ends in the middle of a page.");
+  }
+
+ private:
+  // Takes one page head or one run when the buffer holds it whole.
+  bool Step() {
+    const size_t available = buffer_.size() - used_;
+    if (available < 8) return false;
+    uint32_t pair[2];
+    std::memcpy(pair, buffer_.data() + used_, sizeof pair);
+    if (runs_left_ == 0) {
+      if (pair[0] == 0 || pair[0] > page_count_) Fail("A differential set names a page out of range.");
+      page_ = pair[0];
+      runs_left_ = pair[1];
+      used_ += 8;
+      return true;
+    }
+    const auto [offset, length] = std::pair{pair[0], pair[1]};
+    if (offset > page_size_ || length > page_size_ - offset) Fail("A differential set names bytes out of its page.");
+    if (available < 8 + size_t{length}) return false;
+    out_.WriteAt(buffer_.data() + used_ + 8, length, uint64_t{page_ - 1} * page_size_ + offset);
+    used_ += 8 + size_t{length};
+    --runs_left_;
+    return true;
+  }
+
+  uint32_t page_size_;
+  uint32_t page_count_;
+  OutputFile& out_;
+  std::vector<unsigned char> buffer_;
+  size_t used_ = 0;
+  uint32_t page_ = 0;
+  uint32_t runs_left_ = 0;
 };
 
 void CheckIntegrity(const fs::path& file) {
@@ -207,16 +293,25 @@ QueryResult BackupSqliteDatabase(sqlite3* db, const BackupStatement& statement, 
            "BACKUP DATABASE, omitting the WITH DIFFERENTIAL option.");
     }
     const MediaSet& base = before.sets[*full];
-    const std::vector<uint32_t> changed = ChangedPages(snapshot, media, base);
-    header.kind = SetKind::SqliteDifferential;
+    const std::vector<ChangedPage> changed = ChangedPages(snapshot, media, base);
+    header.kind = SetKind::SqliteDifferentialRuns;
     header.records = static_cast<uint32_t>(changed.size());
-    header.payload_length = uint64_t{changed.size()} * (4 + snapshot.page_size);
+    header.payload_length = 0;
+    for (const ChangedPage& page : changed) {
+      header.payload_length += 8;
+      for (const auto& [offset, length] : page.runs) header.payload_length += 8 + length;
+    }
     header.base_offset = base.offset;
     writer.Begin(header);
-    for (uint32_t index : changed) {
-      const uint32_t number = index + 1;
-      writer.Write(&number, sizeof number);
-      writer.Write(snapshot.Page(index), snapshot.page_size);
+    for (const ChangedPage& page : changed) {
+      const uint32_t head[2] = {page.index + 1, static_cast<uint32_t>(page.runs.size())};
+      writer.Write(head, sizeof head);
+      const unsigned char* bytes = snapshot.Page(page.index);
+      for (const auto& [offset, length] : page.runs) {
+        const uint32_t run[2] = {offset, length};
+        writer.Write(run, sizeof run);
+        writer.Write(bytes + offset, length);
+      }
     }
   }
   writer.Finish();
@@ -251,14 +346,21 @@ void RestoreSqliteSets(const fs::path& media, const MediaSet& full, const MediaS
     if (differential != nullptr) {
       const uint32_t page_size = differential->header.page_size;
       size = uint64_t{differential->header.page_count} * page_size;
-      // Each record: its page number, then the page.
-      PageSplitter records(4 + page_size, [&](uint32_t, const unsigned char* record) {
-        uint32_t number = 0;
-        std::memcpy(&number, record, sizeof number);
-        if (number == 0 || number > differential->header.page_count) Fail("A differential set names a page out of range.");
-        out.WriteAt(record + 4, page_size, uint64_t{number - 1} * page_size);
-      });
-      ReadPayload(media, *differential, std::ref(records), kSource);
+      const uint32_t page_count = differential->header.page_count;
+      if (differential->header.kind == SetKind::SqliteDifferential) {
+        // Each record: its page number, then the page.
+        PageSplitter records(4 + page_size, [&](uint32_t, const unsigned char* record) {
+          uint32_t number = 0;
+          std::memcpy(&number, record, sizeof number);
+          if (number == 0 || number > page_count) Fail("A differential set names a page out of range.");
+          out.WriteAt(record + 4, page_size, uint64_t{number - 1} * page_size);
+        });
+        ReadPayload(media, *differential, std::ref(records), kSource);
+      } else {
+        RunReader runs(page_size, page_count, out);
+        ReadPayload(media, *differential, std::ref(runs), kSource);
+        runs.Finish();
+      }
     }
     out.Finish(size);
   }
