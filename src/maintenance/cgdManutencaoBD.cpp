@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "vek/db/Connection.h"
+#include "vek/db/backup/MediaFile.h"
 #include "vek/maintenance/ZqModulo.h"
 #include "vek/platform/AppPath.h"
 #include "vek/platform/Controls.h"
@@ -40,6 +41,21 @@ Date ModifiedAt(const fs::path& file) {
          TimeSerial(local.tm_hour, local.tm_min, local.tm_sec);
 }
 
+// False when the file reads as backup media without a complete full set: a
+// backup killed while it wrote the day's first set left it so, and nothing
+// can be built on it. Such a file counts as missing: it is deleted, not
+// kept as the previous generation, and a full backup is made. A file that
+// can't be read at all is left for the backup statement to refuse.
+bool HoldsFullSet(const fs::path& file) {
+  std::error_code error;
+  if (fs::file_size(file, error) == 0 && !error) return false;
+  try {
+    return backup::ReadMedia(file, false, "").LastFull().has_value();
+  } catch (const VekError&) {
+    return true;
+  }
+}
+
 }  // namespace
 
 void cgdManutencaoBD::Log(const std::string& text) const {
@@ -67,7 +83,11 @@ void cgdManutencaoBD::Stamp(const char* setting) const {
 
 void cgdManutencaoBD::CreateFolder(const std::string& folder, const std::string& log_text) const {
   std::error_code error;
-  if (fs::is_directory(folder, error)) return;
+  if (fs::is_directory(folder, error)) {
+    // A folder the backup can't write into fails here, before a set is begun.
+    if (::access(folder.c_str(), W_OK | X_OK) != 0) throw VekError(kBusinessError, std::string(), kFolderError);
+    return;
+  }
   fs::create_directories(folder, error);
   if (error || !fs::is_directory(folder)) throw VekError(kBusinessError, std::string(), kFolderError);
   Log(log_text);
@@ -108,7 +128,7 @@ void cgdManutencaoBD::Backup() {
     Log("Abriu conexão com banco de dados");
 
     std::error_code error;
-    const bool full = !fs::exists(bak_file, error) || DueAtDawn(kLastFull);
+    const bool full = !fs::exists(bak_file, error) || !HoldsFullSet(bak_file) || DueAtDawn(kLastFull);
     progress.Percentage(10.0);
     if (full) {
       FullBackup(bak_file);
@@ -130,7 +150,11 @@ void cgdManutencaoBD::FullBackup(const std::string& bak_file) {
   Log("Iniciado backup completo");
   const fs::path folder = fs::path(bak_file).parent_path();
   const fs::path old_file = folder / "VekBkp_Old.bak";
-  if (fs::exists(old_file)) {
+  if (fs::exists(bak_file) && !HoldsFullSet(bak_file)) {
+    // The previous generation stays: it is the last one that can be restored.
+    fs::remove(bak_file);
+    Log("Apagou VekBkp.bak interrompido, sem backup completo");
+  } else if (fs::exists(old_file)) {
     fs::remove(old_file);
     Log("Deletou backup antigo VekBkp_Old.bak");
   }

@@ -1,9 +1,13 @@
 #include "vek/maintenance/cgdManutencaoBD.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -250,6 +254,83 @@ TEST_F(cgdManutencaoBDTest, AMissingOrUnusableFolderStopsBeforeAnythingIsWritten
   EXPECT_EQ(GetSetting("VEK", "Backup", "UltimoBackupCompleto"), "21/11/2026 03:00:00");
   EXPECT_EQ(GetSetting("VEK", "Backup", "UltimoEspelhamentoDeBackup"), "");
   EXPECT_FALSE(progress->Visible());
+}
+
+TEST_F(cgdManutencaoBDTest, AFolderTheBackupCannotWriteIntoGivesTheFolderMessage) {
+  fs::create_directories(Local());
+  fs::permissions(Local(), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::group_read |
+                               fs::perms::group_exec | fs::perms::others_read | fs::perms::others_exec);
+  // Backup.log stays writable for whoever runs the backup.
+  fs::permissions(app.Path(), fs::perms::all);
+  db.clock->Set(At(2026, 11, 21, 3, 0));
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // Permissions bind everyone but root: the backup runs as nobody then.
+    if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(3);
+    try {
+      manager.Backup();
+    } catch (const VekError& error) {
+      ::_exit(error.Description() == "Erro na criAção do diretório de backup " &&
+                      error.Number() == static_cast<int32_t>(0x80040458u)
+                  ? 0
+                  : 1);
+    }
+    ::_exit(2);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  // It stopped before the connection was used: nothing in the folder.
+  EXPECT_EQ(LogLines(), std::vector<std::string>{"21/11/2026 03:00:00 - Iniciado"});
+  EXPECT_TRUE(fs::is_empty(Local()));
+  EXPECT_EQ(GetSetting("VEK", "Backup", "UltimoBackupCompleto"), "");
+}
+
+TEST_F(cgdManutencaoBDTest, ABackupKilledWhileWritingKeepsTheOldGenerationAndTheNextCallStartsAgain) {
+  BackupAt(At(2026, 11, 20, 3, 0));
+  const uintmax_t one_set = fs::file_size(BakFile());
+  db.clock->Set(At(2026, 11, 21, 3, 0));
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // The day's full backup, killed by SIGKILL when its set has grown to just
+    // short of a whole one: the write past the size limit raises SIGXFSZ.
+    std::signal(SIGXFSZ, [](int) { ::kill(::getpid(), SIGKILL); });
+    const rlimit limit{one_set - 30, one_set - 30};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    try {
+      manager.Backup();
+    } catch (...) {
+      ::_exit(1);
+    }
+    ::_exit(0);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGKILL);
+  // The previous generation is whole; the current file holds a set cut short.
+  const BackupCheck old_generation = VerifyBackup(Local() / "VekBkp_Old.bak");
+  EXPECT_TRUE(old_generation.ok);
+  EXPECT_EQ(old_generation.sets.size(), 1u);
+  const BackupCheck killed = VerifyBackup(BakFile());
+  ASSERT_EQ(killed.sets.size(), 1u);
+  EXPECT_FALSE(killed.sets[0].usable);
+  EXPECT_NE(killed.sets[0].problem.find("interrupted"), std::string::npos) << killed.sets[0].problem;
+  EXPECT_EQ(GetSetting("VEK", "Backup", "UltimoBackupCompleto"), "20/11/2026 03:00:00");
+
+  // The next call, after five: nothing can be built on the cut set, so a full backup.
+  EXPECT_EQ(BackupAt(At(2026, 11, 21, 10, 0)),
+            (std::vector<std::string>{"Iniciado", "Abriu conexão com banco de dados", "Iniciado backup completo",
+                                      "Apagou VekBkp.bak interrompido, sem backup completo",
+                                      "Pronto para iniciar o backup completo", "Concluído backup completo",
+                                      "Concluiu arquivo de backup", "Fechou conexao com o banco de dados"}));
+  EXPECT_TRUE(VerifyBackup(BakFile()).ok);
+  EXPECT_EQ(SetKinds(BakFile()), std::vector<std::string>{testing::FullSetKind()});
+  EXPECT_TRUE(VerifyBackup(Local() / "VekBkp_Old.bak").ok);
+  EXPECT_EQ(GetSetting("VEK", "Backup", "UltimoBackupCompleto"), "21/11/2026 10:00:00");
 }
 
 TEST_F(cgdManutencaoBDTest, AFailedBackupStatementStopsAtItsStepWithTheDatabasesError) {
