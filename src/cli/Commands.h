@@ -30,6 +30,7 @@ void AddExportDbfCommand(CLI::App& export_group);
 void AddExportWorkbookCommand(CLI::App& export_group);
 void AddRestoreCommand(CLI::App& app);
 void AddServeCommand(CLI::App& app);
+void AddBackupCommand(CLI::App& app);
 
 // The whole tool: parses the arguments, runs the command and returns the
 // exit code (0 done, 1 a failure, reported in one line on `err`, 2 bad
@@ -116,5 +117,21 @@ struct RestoreArguments {
 int RunRestore(const RestoreArguments& arguments, std::ostream& out);
 // One line per set: number, kind, time, size, pages, name, and "ok" or what is wrong.
 void PrintBackupSets(const BackupCheck& check, std::ostream& out);
+// vek backup's work: opens the terminal of `folder` as its programs do, runs
+// cgdManutencaoBD.Backup() once (a bar on stderr when `progress_bar`) and
+// prints the log lines it wrote and the sets of VekBkp.bak. Raises what
+// Backup raises.
+void RunTerminalBackup(const std::filesystem::path& folder, bool progress_bar, std::ostream& out);
+// vek backup --verify: restores the newest sets of the terminal's
+// VekBkp.bak into a scratch database beside the live one (a file on SQLite,
+// a database on the server), which the restore checks, and compares every
+// table's row count with the live database; the scratch database is removed.
+// Returns true and stores the verified set's time in the settings store
+// when every count is equal. Raises what the restore raises.
+bool VerifyTerminalBackup(const std::filesystem::path& folder, std::ostream& out);
+// vek backup --status: prints when the last verified backup was taken;
+// false when none was verified or it is older than `max_age_hours`. Raises
+// 0x80040458 when `folder` holds no Vek.ini.
+bool PrintBackupStatus(const std::filesystem::path& folder, double max_age_hours, std::ostream& out);
 
 }  // namespace vek::cli
