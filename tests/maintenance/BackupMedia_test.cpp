@@ -128,23 +128,26 @@ TEST_F(BackupMediaTest, RestoresTheLastFullSetPlusTheLatestDifferentialAfterIt) 
 }
 
 TEST_F(BackupMediaTest, ADifferentialHoldsTheChangedBytesOfRowsSpreadOverTheWholeTable) {
-  AddBusCompanies(401, 20000);
+  AddBusCompanies(401, 8000);
   Backup(false);
   // One row in a hundred, across every page of the table; one column of each
   // is longer afterwards, so the rest of its page moves too.
   connection->Execute("UPDATE TbTipoOnibus SET Ds_TipoOnibus = 'Leito' WHERE Cd_TipoOnibus % 100 = 0");
-  connection->Execute("UPDATE TbTipoOnibus SET Ds_TipoOnibus = Ds_TipoOnibus || '!' WHERE Cd_TipoOnibus = 19950");
+  connection->Execute("UPDATE TbTipoOnibus SET Ds_TipoOnibus = Ds_TipoOnibus || '!' WHERE Cd_TipoOnibus = 7950");
   Backup(true);
   const std::string at_backup = Dump(source);
 
   const BackupCheck check = VerifyBackup(media);
   ASSERT_EQ(check.sets.size(), 2u);
   // Many pages hold a changed row, but the set holds only the bytes that changed.
-  EXPECT_GT(check.sets[1].pages, check.sets[0].pages / 4);
+  EXPECT_GE(check.sets[1].pages, 70u);
+  const uint64_t page = check.sets[0].bytes / check.sets[0].pages;
+  EXPECT_LT(check.sets[1].bytes, check.sets[1].pages * page / 10);
   EXPECT_LT(check.sets[1].bytes, check.sets[0].bytes / 20);
   RestoreBackup(media, Into(restored));
   EXPECT_EQ(Dump(restored), at_backup);
-  EXPECT_EQ(Client(restored, "SELECT COUNT(*) FROM TbTipoOnibus WHERE Ds_TipoOnibus = 'Leito'"), "200\n");
+  // (|| '' leaves the column's collation, which the client does not know, out.)
+  EXPECT_EQ(Client(restored, "SELECT COUNT(*) FROM TbTipoOnibus WHERE Ds_TipoOnibus || '' = 'Leito'"), "80\n");
 }
 
 TEST_F(BackupMediaTest, AFullSetIsAConsistentSnapshotWhileAnotherConnectionWrites) {
