@@ -22,7 +22,7 @@ using testing::ToolRun;
 
 std::set<std::string> FileNames(const fs::path& folder) {
   std::set<std::string> names;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename());
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename().string());
   return names;
 }
 

@@ -45,6 +45,7 @@ TEST(BackupDayTest, TheDayEndsWithAFullAndADifferentialSetRestoredAndComparedRow
   std::ostringstream sets;
   cli::PrintBackupSets(check, sets);
   EXPECT_NE(day_end.find(bak.string() + ", its sets:\n" + sets.str()), std::string::npos) << day_end;
+  testing::LocaleGuard brazil(testing::kBrazilLocale);  // the day prints in the Brazilian format
   EXPECT_NE(day_end.find(Format(Variant(static_cast<double>(fs::file_size(bak))), "###,###,##0") + " bytes"),
             std::string::npos)
       << day_end;
