@@ -65,9 +65,6 @@ int RunTool(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   app.set_version_flag("-V,--version", std::string("vek ") + kVersion);
   app.require_subcommand(0, 1);
   app.failure_message(UsageFailure);
-  // Bad usage is told in one line, as a failure is.
-  app.failure_message(
-      [](const CLI::App*, const CLI::Error& e) { return "vek: " + std::string(e.what()) + " (see --help)\n"; });
   AddSqlCommand(app);
   AddInitCommand(app);
   AddDemoCommand(app);

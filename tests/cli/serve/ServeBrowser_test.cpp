@@ -241,7 +241,7 @@ std::string StartServe(Child& serve, const fs::path& folder) {
   if (serve.pid == 0) {
     ::dup2(out[1], 1);
     ::close(out[0]);
-    ::execl(VEK_TOOL, VEK_TOOL, "serve", folder.c_str(), "--listen", "127.0.0.1:0", static_cast<char*>(nullptr));
+    ::execl(VEK_PROGRAM, VEK_PROGRAM, "serve", folder.c_str(), "--listen", "127.0.0.1:0", static_cast<char*>(nullptr));
     ::_exit(127);
   }
   ::close(out[1]);
