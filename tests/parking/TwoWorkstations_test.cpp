@@ -3,36 +3,22 @@
 // and closed by its own exit.
 #include <gtest/gtest.h>
 
-#include <spawn.h>
-#include <sys/wait.h>
-
 #include <set>
 #include <string>
 #include <vector>
 
 #include "parking/ParkingData.h"
-
-extern char** environ;
+#include "support/Workstation.h"
 
 namespace vek {
 namespace {
 
-// Starts the workstation program with the arguments; returns its process.
-pid_t StartWorkstation(const std::string& role, int32_t count, const std::vector<std::string>& database) {
-  std::vector<std::string> args = {VEK_PARKING_WORKSTATION, role, std::to_string(count)};
-  args.insert(args.end(), database.begin(), database.end());
-  std::vector<char*> argv;
-  for (std::string& arg : args) argv.push_back(arg.data());
-  argv.push_back(nullptr);
-  pid_t pid = 0;
-  if (posix_spawn(&pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) return -1;
-  return pid;
-}
+using testing::ExitCode;
 
-int ExitCode(pid_t pid) {
-  int status = 0;
-  if (pid <= 0 || waitpid(pid, &status, 0) != pid) return -1;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+pid_t StartWorkstation(const std::string& role, int32_t count, const std::vector<std::string>& database) {
+  std::vector<std::string> args = {role, std::to_string(count)};
+  args.insert(args.end(), database.begin(), database.end());
+  return testing::StartWorkstation(args);
 }
 
 TEST(TwoWorkstationsTest, EntriesOnOneProgramAndExitsOnAnotherNumberEveryTicketOnceAndCloseItsOwn) {

@@ -15,11 +15,15 @@
 #include "support/TestSupport.h"
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
+#include "vek/db/dialect/SqliteFunctions.h"
 #include "vek/platform/VekError.h"
 #include "vek/foundation/cgpSistema.h"
 #include "vek/platform/Clock.h"
 #include "vek/platform/Text.h"
+#include "vek/schema/Catalogue.h"
 #include "vek/schema/CreateDatabase.h"
+
+#include <sqlite3.h>
 
 namespace vek::testing {
 
@@ -114,6 +118,59 @@ struct TerminalDatabase {
   std::shared_ptr<Connection> connection;
   std::vector<std::string> statements;
 };
+
+// The crash test: how many times it kills a workstation, and how long at
+// most it lets one work after its first acknowledged write (a server
+// connection takes longer to open and each write is a round trip).
+inline int CrashKills() { return OnPostgres() ? 20 : 200; }
+inline int CrashLatestKillMs() { return OnPostgres() ? 400 : 60; }
+
+// What the database's own check says of it: "ok", or the problems found.
+// Every table of the catalogue must answer a count; SQLite also checks the
+// file (PRAGMA integrity_check, on a connection of its own), while the
+// server keeps its files whole itself.
+inline std::string DatabaseCheck(TerminalDatabase& db) {
+  std::string problems;
+  for (const schema::TableDef& table : schema::Tables()) {
+    if (table.report_file) continue;
+    const std::string name = table.database.empty() ? std::string(table.name)
+                                                    : std::string(table.database) + ".dbo." + std::string(table.name);
+    try {
+      db.Query("SELECT Count(*) FROM " + name);
+    } catch (const VekError& error) {
+      problems += name + ": " + error.Description() + "\n";
+    }
+  }
+  if (OnPostgres()) return problems.empty() ? "ok" : problems;
+  sqlite3* raw = nullptr;
+  const std::string file = CStr(db.session->Get("Ds_CaminhoDB"));
+  if (sqlite3_open_v2(file.c_str(), &raw, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+    sqlite3_close(raw);
+    return "can't open " + file;
+  }
+  // The indexes of text columns are ordered by the terminal's collation.
+  dialect::RegisterSqlServerFunctions(raw, [] { return Date(); });
+  std::string result;
+  sqlite3_stmt* check = nullptr;
+  if (sqlite3_prepare_v2(raw, "PRAGMA integrity_check", -1, &check, nullptr) == SQLITE_OK) {
+    while (sqlite3_step(check) == SQLITE_ROW) {
+      if (!result.empty()) result += "\n";
+      result += reinterpret_cast<const char*>(sqlite3_column_text(check, 0));
+    }
+  } else {
+    result = sqlite3_errmsg(raw);
+  }
+  sqlite3_finalize(check);
+  sqlite3_close(raw);
+  return problems + result;
+}
+
+// Lets the session write rows whose references are not there, for checks
+// of one record kind at a time.
+inline void IgnoreForeignKeys(TerminalDatabase& db) {
+  db.connection->ExecuteNative(OnPostgres() ? "SET session_replication_role = replica" : "PRAGMA foreign_keys = OFF");
+  db.statements.pop_back();
+}
 
 inline void DropAccessControlDatabase(TerminalDatabase& db) {
   db.connection->ExecuteNative(OnPostgres() ? "DROP SCHEMA mdestacionamento CASCADE" : "DETACH DATABASE MDESTACIONAMENTO");
