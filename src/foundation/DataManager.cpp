@@ -3,6 +3,7 @@
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/MessageCatalogue.h"
+#include "vek/platform/Text.h"
 
 namespace vek {
 
@@ -51,10 +52,21 @@ std::shared_ptr<Recordset> DataManager::OpenReport() {
 }
 
 void DataManager::RequireNoApostrophe(std::string_view field, std::string_view value) const {
-  if (value.find('\'') == std::string_view::npos) return;
-  throw VekError(kBusinessError, std::string(),
-                 "O campo " + std::string(field) +
-                     " não pode conter apóstrofo ('): o valor foi recusado antes de ir ao banco de dados");
+  const auto refuse = [&](std::string_view what) {
+    throw VekError(kBusinessError, std::string(),
+                   "O campo " + std::string(field) + " " + std::string(what) +
+                       ": o valor foi recusado antes de ir ao banco de dados");
+  };
+  if (value.find('\'') != std::string_view::npos) refuse("não pode conter apóstrofo (')");
+  // A NUL would end the statement's text where it stands.
+  if (value.find('\0') != std::string_view::npos) refuse("não pode conter o caractere nulo");
+  // Bytes that are not UTF-8 would reach a server as other characters than
+  // they read here, so the row could never be found by them again.
+  for (const char byte : value) {
+    if (static_cast<unsigned char>(byte) < 0x80) continue;
+    if (EncodeUtf8(DecodeUtf8(value)) != value) refuse("não é texto UTF-8 válido");
+    break;
+  }
 }
 
 }  // namespace vek

@@ -57,7 +57,8 @@ class DataManager {
   }
 
   // Refuses, before any SQL is sent, a value that would be put between
-  // quotes while holding an apostrophe (error 0x80040458 naming the field).
+  // quotes while holding an apostrophe, a NUL or bytes that are not UTF-8
+  // (error 0x80040458 naming the field).
   void RequireNoApostrophe(std::string_view field, std::string_view value) const;
 
   // How a pick list is filled from ds_sql_ (see FillComboBox).

@@ -221,8 +221,11 @@ std::string RecordManager::ValueLiteral(std::string_view column) {
   const Variant value = RecordObject().Get(column);
   switch (definition->type) {
     case schema::ColumnType::VarChar:
-    case schema::ColumnType::Char:
-      return VarCharToSql(CStr(value), static_cast<int16_t>(definition->size));
+    case schema::ColumnType::Char: {
+      const std::string text = CStr(value);
+      RequireNoApostrophe(column, text);
+      return VarCharToSql(text, static_cast<int16_t>(definition->size));
+    }
     case schema::ColumnType::Money:
       return MoneyToSql(CCur(value), 2);
     case schema::ColumnType::DateTime:

@@ -104,7 +104,9 @@ class RecordManager : public DataManager {
   std::string InsertLines(const std::vector<std::string>& columns, const std::vector<std::string>& values) const;
   // A column's value in Ob_cgp as the SQL literal of its type: whole numbers
   // and bits in decimal, money with two decimals, texts between quotes (cut
-  // to the column's size), dates with their time in the session's format.
+  // to the column's size; refused, as keys are, when they hold an apostrophe,
+  // a NUL or bytes that are not UTF-8), dates with their time in the
+  // session's format.
   std::string ValueLiteral(std::string_view column);
 
   // Runs one of the database procedures that push records into the
