@@ -123,7 +123,7 @@ struct TerminalDatabase {
 // most it lets one work after its first acknowledged write (a server
 // connection takes longer to open and each write is a round trip).
 inline int CrashKills() { return OnPostgres() ? 20 : 200; }
-inline int CrashLatestKillMs() { return OnPostgres() ? 400 : 60; }
+inline int CrashLatestKillMs() { return OnPostgres() ? 400 : 150; }
 
 // What the database's own check says of it: "ok", or the problems found.
 // Every table of the catalogue must answer a count; SQLite also checks the
