@@ -97,7 +97,9 @@ std::vector<std::string> Missing(testing::TerminalDatabase& db, const Acknowledg
   // The exit writes the charge line before it closes the ticket: a closed
   // ticket without its line is half an exit.
   for (const auto& [ticket, state] : tickets) {
-    if (state == 2 && !charged.contains(ticket)) missing.push_back("closed without its line: " + std::to_string(ticket));
+    if (state == 2 && !charged.contains(ticket)) {
+      missing.push_back("closed without its line: " + std::to_string(ticket));
+    }
   }
   for (const auto& [trip, boardings] : ack.trips) {
     if (!trips.contains(trip) || trips[trip] != boardings) missing.push_back("trip " + std::to_string(trip));

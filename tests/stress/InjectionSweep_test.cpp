@@ -198,7 +198,8 @@ void Try(testing::TerminalDatabase& db, const testing::RegisteredKind& kind, con
 
 // The record classes of src/, by their declarations.
 std::set<std::string> RecordClassesInSources() {
-  const std::regex declaration(R"(class\s+(cgd\w+)\s*(final\s*)?:\s*public\s+(cgdRecord|cgdRecordFoundByText|NamedParkingRecord)\s*<\s*cgp)");
+  const std::regex declaration(
+      R"(class\s+(cgd\w+)\s*(final\s*)?:\s*public\s+(cgdRecord|cgdRecordFoundByText|NamedParkingRecord)\s*<\s*cgp)");
   std::set<std::string> classes;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(VEK_SOURCE_DIR "/src")) {
     if (entry.path().extension() != ".h") continue;
