@@ -4,8 +4,9 @@
 
 #include <charconv>
 #include <cstdint>
-#include <optional>
 #include <cstdio>
+#include <limits>
+#include <optional>
 #include <set>
 
 #include "cli/serve/Escape.h"
@@ -137,6 +138,9 @@ void TerminalServer::Refresh() {
 void TerminalServer::Route() {
   httplib::Server& http = *http_;
   http.new_task_queue = [threads = options_.threads] { return new httplib::ThreadPool(threads); };
+  // A screen polls on one connection for hours: closing it every few
+  // requests races with the screen's next request on it.
+  http.set_keep_alive_max_count(std::numeric_limits<size_t>::max());
   http.set_default_headers({{"Cache-Control", "no-store"},
                             {"X-Content-Type-Options", "nosniff"},
                             {"Content-Security-Policy",
