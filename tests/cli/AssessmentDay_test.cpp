@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 #include <string>
 
-#include "cli/Commands.h"
+#include "support/DemoDay.h"
 #include "support/TestSupport.h"
 #include "vek/vek.h"
 
@@ -13,45 +12,34 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string Value(Connection& connection, const std::string& statement) {
-  auto rows = connection.Execute(statement);
-  return rows->Eof() ? "(no row)" : CStr(rows->Fields().Item(0).Value());
-}
-
 TEST(AssessmentDayTest, EachCompanyIsAssessedOnceForItsTripsAndTheTillTotalsWhatItTook) {
-  testing::ScratchApp app;
   testing::LocaleGuard dot(testing::kDotLocale);
-  const fs::path folder = app.Path() / "terminal";
-  std::ostringstream captured;
-  cli::RunDemo(folder, {}, captured);
-  const std::string out = captured.str();
-  auto connection = std::make_shared<Connection>();
-  Connection& db = *connection;
-  db.Open("Driver=SQLite3;Database=" + (folder / "Vek.db").string());
+  testing::DemoDay day;
+  const std::string& out = day.Out();
 
   // One boarding assessment per bus company, even though the step ran twice,
   // each charging the company's boardings of its trips at the boarding fee.
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbApuracaoReceita WHERE Cd_TipoReceita = 1 AND Dt_Movimento = '2026-03-02'"),
-            Value(db, "SELECT COUNT(*) FROM TbEmpresaOnibus"));
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbApuracaoReceita WHERE Cd_TipoReceita = 1 AND Dt_Movimento = '2026-03-02'"),
+            day.Value("SELECT COUNT(*) FROM TbEmpresaOnibus"));
   EXPECT_NE(out.find("The same step run again: 0 assessments made"), std::string::npos) << out;
   const std::string trips_per_company =
       "SELECT H.Cd_EmpresaOnibus, Sum(V.Qt_EmbarquesComPassagem + V.Qt_EmbarquesSemPassagem) As Qt "
       "FROM TbViagemOnibus V JOIN TbHorariosLinha H ON V.Cd_EmpresaUsuariaSistema = H.Cd_EmpresaUsuariaSistema "
       "AND V.Cd_HorarioLinha = H.Cd_HorarioLinha GROUP BY H.Cd_EmpresaOnibus";
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbApuracaoReceita A JOIN TbApuracaoReceita_TbTarifa B "
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbApuracaoReceita A JOIN TbApuracaoReceita_TbTarifa B "
                       "ON A.No_ApuracaoReceita = B.No_ApuracaoReceita JOIN TbTarifa T ON B.Cd_Tarifa = T.Cd_Tarifa "
                       "LEFT JOIN (" + trips_per_company + ") Q ON Q.Cd_EmpresaOnibus = A.Cd_Pessoa "
                       "WHERE A.Cd_TipoReceita = 1 AND B.Qt_Tarifa = IsNull(Q.Qt, 0) AND B.Vl_Tarifa = T.Vl_Tarifa "
                       "AND A.Vl_ApuracaoReceita = B.Qt_Tarifa * B.Vl_Tarifa AND T.Ds_Tarifa = "
                       "'Taxa de embarque intermunicipal' AND A.No_Parcela = 1"),
-            Value(db, "SELECT COUNT(*) FROM TbEmpresaOnibus"));
-  EXPECT_NE(Value(db, "SELECT Sum(Vl_ApuracaoReceita) FROM TbApuracaoReceita WHERE Cd_TipoReceita = 1"), "0");
+            day.Value("SELECT COUNT(*) FROM TbEmpresaOnibus"));
+  EXPECT_NE(day.Value("SELECT Sum(Vl_ApuracaoReceita) FROM TbApuracaoReceita WHERE Cd_TipoReceita = 1"), "0");
 
   // Each monthly client paid once at till 1, for the month.
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbApuracaoReceita A JOIN TbClienteEstacionamento C "
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbApuracaoReceita A JOIN TbClienteEstacionamento C "
                       "ON A.Cd_Pessoa = C.Cd_ClienteEstacionamento WHERE A.Cd_TipoReceita = 2 AND A.Cd_Caixa = 1 "
                       "AND A.Ic_TotalizacaoDeCaixa = 0 AND A.Dt_Inicial = '2026-03-01' AND A.Dt_Final = '2026-03-31'"),
-            Value(db, "SELECT COUNT(*) FROM TbClienteEstacionamento"));
+            day.Value("SELECT COUNT(*) FROM TbClienteEstacionamento"));
 
   // The till's totalling: car-park charge lines, restroom sales and monthly fees of till 1.
   const std::string took =
@@ -60,9 +48,9 @@ TEST(AssessmentDayTest, EachCompanyIsAssessedOnceForItsTripsAndTheTillTotalsWhat
       "A.Cd_TicketEstacionamento = C.Cd_TicketEstacionamento WHERE C.Cd_Caixa = 1) + "
       "(SELECT Sum(Qt_Unidade * Vl_Tarifa) FROM TbTicketSanitario WHERE Cd_Caixa = 1) + "
       "(SELECT Sum(Vl_ApuracaoReceita) FROM TbApuracaoReceita WHERE Cd_Caixa = 1 AND Ic_TotalizacaoDeCaixa = 0)";
-  const std::string total = Value(db, took);
-  EXPECT_EQ(Value(db, "SELECT Vl_ApuracaoReceita FROM TbApuracaoReceita WHERE Ic_TotalizacaoDeCaixa = 1"), total);
-  EXPECT_EQ(Value(db, "SELECT Sum(B.Qt_Tarifa * B.Vl_Tarifa) FROM TbApuracaoReceita A JOIN TbApuracaoReceita_TbTarifa B "
+  const std::string total = day.Value(took);
+  EXPECT_EQ(day.Value("SELECT Vl_ApuracaoReceita FROM TbApuracaoReceita WHERE Ic_TotalizacaoDeCaixa = 1"), total);
+  EXPECT_EQ(day.Value("SELECT Sum(B.Qt_Tarifa * B.Vl_Tarifa) FROM TbApuracaoReceita A JOIN TbApuracaoReceita_TbTarifa B "
                       "ON A.No_ApuracaoReceita = B.No_ApuracaoReceita WHERE A.Ic_TotalizacaoDeCaixa = 1"),
             total);
   EXPECT_NE(total, "0");

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cli/Commands.h"
+#include "support/DemoDay.h"
 #include "support/TestSupport.h"
 #include "vek/vek.h"
 
@@ -20,11 +21,9 @@ int64_t Rows(Connection& connection, std::string_view table) {
 }
 
 TEST(BackupDayTest, TheDayEndsWithAFullAndADifferentialSetRestoredAndComparedRowForRow) {
-  testing::ScratchApp app;
-  const fs::path folder = app.Path() / "terminal";
-  std::ostringstream captured;
-  cli::RunDemo(folder, {}, captured);
-  const std::string out = captured.str();
+  testing::DemoDay day;
+  const fs::path& folder = day.Folder();
+  const std::string& out = day.Out();
   const size_t backup = out.find("End of the day: the automatic backup");
   ASSERT_NE(backup, std::string::npos) << out;
   const std::string day_end = out.substr(backup);

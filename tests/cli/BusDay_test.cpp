@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "cli/Commands.h"
+#include "support/DemoDay.h"
 #include "support/TestSupport.h"
 #include "vek/vek.h"
 
@@ -13,11 +12,6 @@ namespace vek {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Value(Connection& connection, const std::string& statement) {
-  auto rows = connection.Execute(statement);
-  return rows->Eof() ? "(no row)" : CStr(rows->Fields().Item(0).Value());
-}
 
 // The text of the output between two step headings.
 std::string Section(const std::string& out, const std::string& from, const std::string& to) {
@@ -27,32 +21,26 @@ std::string Section(const std::string& out, const std::string& from, const std::
 }
 
 TEST(BusDayTest, TheDaysTripsAreMadeOnceAndTheMorningReachesTheBoard) {
-  testing::ScratchApp app;
-  const fs::path folder = app.Path() / "terminal";
-  std::ostringstream captured;
-  cli::RunDemo(folder, {}, captured);
-  const std::string out = captured.str();
-  auto connection = std::make_shared<Connection>();
-  Connection& db = *connection;
-  db.Open("Driver=SQLite3;Database=" + (folder / "Vek.db").string());
+  testing::DemoDay day;
+  const std::string& out = day.Out();
 
   // Monday: 9 timetables, one expired in February and one on Saturdays only.
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbHorariosLinha"), "9");
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbViagemOnibus"), "7");
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM (SELECT DISTINCT Cd_Linha, Cd_HorarioLinha, Hr_Previsto FROM TbViagemOnibus)"),
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbHorariosLinha"), "9");
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbViagemOnibus"), "7");
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM (SELECT DISTINCT Cd_Linha, Cd_HorarioLinha, Hr_Previsto FROM TbViagemOnibus)"),
             "7");
   EXPECT_NE(out.find("7 timetables run on 02/03/2026"), std::string::npos) << out;
   EXPECT_NE(out.find("The same step run again: 7 timetables, 0 trips created"), std::string::npos);
 
   // Until 10:30 three departures left with their boardings and two buses arrived.
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbViagemOnibus WHERE No_Andamento = 2 AND Qt_EmbarquesComPassagem > 0 "
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbViagemOnibus WHERE No_Andamento = 2 AND Qt_EmbarquesComPassagem > 0 "
                       "AND Hr_SaidaRodoviaria IS NOT NULL"),
             "3");
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbViagemOnibus WHERE No_Andamento = 3"), "2");
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbViagemOnibus WHERE No_Andamento = 3"), "2");
   // The 10:45 departure was announced at 10:35 and marked played; the
   // earlier ones were never played.
-  EXPECT_EQ(Value(db, "SELECT COUNT(*) FROM TbAgendaSom"), "5");
-  EXPECT_EQ(Value(db, "SELECT Dt_Agendamento FROM TbAgendaSom WHERE Ic_Feito <> 0"),
+  EXPECT_EQ(day.Value("SELECT COUNT(*) FROM TbAgendaSom"), "5");
+  EXPECT_EQ(day.Value("SELECT Dt_Agendamento FROM TbAgendaSom WHERE Ic_Feito <> 0"),
             CStr(Variant(DateSerial(2026, 3, 2) + TimeSerial(10, 35, 0))));
 
   // Arrivals show where passengers alight, departures where they board; the
@@ -72,8 +60,8 @@ TEST(BusDayTest, TheDaysTripsAreMadeOnceAndTheMorningReachesTheBoard) {
   EXPECT_NE(out.find("to \"Campinas/SP\" (cgdHorariosLinha.adoRsHorariosLinha): 0"), std::string::npos);
   EXPECT_NE(out.find("to \"Bárbara d'Oeste\" (cgdHorariosLinha.adoRsHorariosLinha): 1"), std::string::npos);
   // Cities with a recorded name are marked in the work table.
-  EXPECT_EQ(Value(db, "SELECT COUNT(DISTINCT Cd_Cidade) FROM TempCidade WHERE Ic_ExisteArquivoSom <> 0"), "4");
-  EXPECT_EQ(Value(db, "SELECT COUNT(DISTINCT Cd_Cidade) FROM TempCidade"), "8");
+  EXPECT_EQ(day.Value("SELECT COUNT(DISTINCT Cd_Cidade) FROM TempCidade WHERE Ic_ExisteArquivoSom <> 0"), "4");
+  EXPECT_EQ(day.Value("SELECT COUNT(DISTINCT Cd_Cidade) FROM TempCidade"), "8");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/ToolRun.h"
+#include "support/DemoDay.h"
 #include "support/TestSupport.h"
 
 namespace vek {
@@ -19,11 +20,7 @@ namespace fs = std::filesystem;
 using testing::ErrorOf;
 using testing::RunTool;
 using testing::ToolRun;
-
-std::string FirstValue(Connection& connection, const std::string& statement) {
-  auto rows = connection.Execute(statement);
-  return rows->Eof() ? "(no row)" : CStr(rows->Fields().Item(0).Value());
-}
+using testing::FirstValue;
 
 // The lines of a text that hold `needle`.
 std::vector<std::string> LinesWith(const std::string& text, std::string_view needle) {

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "db/dialect/PgTestDb.h"
+#include "support/DemoDay.h"
 #include "support/TestSupport.h"
 #include "vek/db/Recordset.h"
 #include "vek/foundation/cgdSistema.h"
@@ -21,11 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ErrorOf;
-
-std::string FirstValue(Connection& connection, const std::string& statement) {
-  auto rows = connection.Execute(statement);
-  return rows->Eof() ? "(no row)" : CStr(rows->Fields().Item(0).Value());
-}
+using testing::FirstValue;
 
 // Each test works in a scratch folder, with the settings store inside it.
 class InitCommandTest : public ::testing::Test {
