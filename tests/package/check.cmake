@@ -1,5 +1,6 @@
 # Installs the built vek into a scratch prefix, then builds and runs a
-# consumer with find_package and checks the pkg-config file.
+# consumer with find_package and checks the pkg-config file. A sanitized
+# vek needs the sanitizers' runtime in the consumer's link (LINK_FLAGS).
 set(prefix "${WORK_DIR}/prefix")
 file(REMOVE_RECURSE "${WORK_DIR}")
 function(run)
@@ -11,7 +12,8 @@ function(run)
 endfunction()
 run(${CMAKE_COMMAND} --install "${VEK_BINARY_DIR}" --prefix "${prefix}")
 run(${CMAKE_COMMAND} -S "${CONSUMER_SOURCE}" -B "${WORK_DIR}/consumer" -G Ninja
-    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}")
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
+    "-DCMAKE_EXE_LINKER_FLAGS=${LINK_FLAGS}")
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/consumer")
 run("${WORK_DIR}/consumer/consumer")
 message(STATUS "${last_output}")

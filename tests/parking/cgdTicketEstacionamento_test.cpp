@@ -395,7 +395,9 @@ TEST_F(cgdTicketEstacionamentoTest, TheGateChecksLookALooseTicketUpByItsFirst13C
       {"HouveEntradaTicketMadis", [&](const std::string& code) { return ticket.HouveEntradaTicketMadis(code); }},
       {"HouveSaidaTicketMadis", [&](const std::string& code) { return ticket.HouveSaidaTicketMadis(code); }},
       {"EstaBloqueadoTicketMadis", [&](const std::string& code) { return ticket.EstaBloqueadoTicketMadis(code); }}};
-  for (const auto& [member, check] : checks) {
+  for (const auto& entry : checks) {
+    const std::string& member = entry.first;
+    const auto& check = entry.second;  // clang 14 cannot capture a structured binding
     const VekError refused = ErrorOf([&] { check("1234567890123"); });
     EXPECT_EQ(refused.Number(), kBusinessError) << member;
     EXPECT_EQ(refused.Description(), kGateMessage + "1234567890123 (deve ser de no mínimo 13 números)") << member;
