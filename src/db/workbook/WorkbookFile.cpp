@@ -34,16 +34,31 @@ struct ZipCloser {
 };
 using ZipHandle = std::unique_ptr<zip_t, ZipCloser>;
 
-std::optional<std::string> ReadEntry(zip_t* archive, const std::string& name) {
+// Larger parts are refused: a terminal's workbook parts are a few megabytes,
+// and a damaged header may announce gigabytes.
+constexpr zip_uint64_t kLargestPart = zip_uint64_t{256} << 20;
+
+[[noreturn]] void RaiseDamagedPart(const fs::path& path, const std::string& name) {
+  RaiseFileError(path, "is damaged: the part " + name + " cannot be read");
+}
+
+// A part's bytes, or nothing when the package has no such part. The bytes
+// are read as they come, never into a buffer sized by the part's header.
+std::optional<std::string> ReadEntry(zip_t* archive, const std::string& name, const fs::path& path) {
   zip_stat_t stat;
   zip_stat_init(&stat);
   if (zip_stat(archive, name.c_str(), 0, &stat) != 0) return std::nullopt;
+  if ((stat.valid & ZIP_STAT_SIZE) != 0 && stat.size > kLargestPart) RaiseDamagedPart(path, name);
   zip_file_t* file = zip_fopen(archive, name.c_str(), 0);
-  if (file == nullptr) return std::nullopt;
-  std::string data(static_cast<size_t>(stat.size), '\0');
-  const zip_int64_t read = data.empty() ? 0 : zip_fread(file, data.data(), data.size());
+  if (file == nullptr) RaiseDamagedPart(path, name);
+  std::string data;
+  char chunk[1 << 16];
+  zip_int64_t read = 0;
+  while ((read = zip_fread(file, chunk, sizeof chunk)) > 0 && data.size() + static_cast<size_t>(read) <= kLargestPart) {
+    data.append(chunk, static_cast<size_t>(read));
+  }
   zip_fclose(file);
-  if (read != static_cast<zip_int64_t>(data.size())) return std::nullopt;
+  if (read != 0) RaiseDamagedPart(path, name);  // a read error, a wrong checksum or too many bytes
   return data;
 }
 
@@ -213,7 +228,7 @@ WorkbookFile::WorkbookFile(fs::path path) : path_(std::move(path)), parts_(std::
 
   // The package's relationships name the workbook part.
   parts_->workbook_part = "xl/workbook.xml";
-  if (std::optional<std::string> rels = ReadEntry(archive, "_rels/.rels")) {
+  if (std::optional<std::string> rels = ReadEntry(archive, "_rels/.rels", path_)) {
     pugi::xml_document doc;
     ParsePart(doc, *rels, path_, "_rels/.rels");
     for (pugi::xml_node rel : doc.child("Relationships").children("Relationship")) {
@@ -222,14 +237,14 @@ WorkbookFile::WorkbookFile(fs::path path) : path_(std::move(path)), parts_(std::
       }
     }
   }
-  std::optional<std::string> workbook = ReadEntry(archive, parts_->workbook_part);
+  std::optional<std::string> workbook = ReadEntry(archive, parts_->workbook_part, path_);
   if (!workbook) RaiseFileError(path_, "is not an Office Open XML workbook (.xlsx): it has no workbook part");
   ParsePart(parts_->workbook, *workbook, path_, parts_->workbook_part);
 
   // The workbook's relationships: its sheets, shared strings and styles.
   const std::string folder = FolderOf(parts_->workbook_part);
   std::map<std::string, std::string> targets;
-  if (std::optional<std::string> rels = ReadEntry(archive, RelationshipsOf(parts_->workbook_part))) {
+  if (std::optional<std::string> rels = ReadEntry(archive, RelationshipsOf(parts_->workbook_part), path_)) {
     pugi::xml_document doc;
     ParsePart(doc, *rels, path_, RelationshipsOf(parts_->workbook_part));
     for (pugi::xml_node rel : doc.child("Relationships").children("Relationship")) {
@@ -237,7 +252,7 @@ WorkbookFile::WorkbookFile(fs::path path) : path_(std::move(path)), parts_(std::
       targets[rel.attribute("Id").value()] = target;
       const std::string_view type = rel.attribute("Type").value();
       if (type.ends_with("/sharedStrings")) {
-        if (std::optional<std::string> data = ReadEntry(archive, target)) {
+        if (std::optional<std::string> data = ReadEntry(archive, target, path_)) {
           pugi::xml_document strings;
           ParsePart(strings, *data, path_, target);
           for (pugi::xml_node item : strings.child("sst").children("si")) {
@@ -255,7 +270,7 @@ WorkbookFile::WorkbookFile(fs::path path) : path_(std::move(path)), parts_(std::
   }
 
   if (!parts_->styles_part.empty()) {
-    if (std::optional<std::string> data = ReadEntry(archive, parts_->styles_part)) {
+    if (std::optional<std::string> data = ReadEntry(archive, parts_->styles_part, path_)) {
       ParsePart(parts_->styles, *data, path_, parts_->styles_part);
       pugi::xml_node sheet = parts_->styles.child("styleSheet");
       for (pugi::xml_node format : sheet.child("numFmts").children("numFmt")) {
@@ -290,7 +305,7 @@ Sheet& WorkbookFile::Worksheet(std::string_view name) {
     RaiseDbError(kNoSuchSheet, kWorkbookSource,
                  "The workbook " + path_.string() + " has no sheet " + std::string(name) + ".");
   }
-  std::optional<std::string> data = ReadEntry(parts_->archive.get(), sheet->second);
+  std::optional<std::string> data = ReadEntry(parts_->archive.get(), sheet->second, path_);
   if (!data) RaiseFileError(path_, "is damaged: the part " + sheet->second + " of sheet " + sheet->first + " is missing");
   std::unique_ptr<Sheet> loaded(new Sheet(*this, sheet->first, sheet->second));
   Sheet::Impl& impl = *loaded->impl_;
@@ -395,7 +410,7 @@ void WorkbookFile::DropCachedFormulaResults() {
       if (DropCachedResults(loaded->second->impl_->sheet_data)) loaded->second->impl_->changed = true;
       continue;
     }
-    std::optional<std::string> data = ReadEntry(parts_->archive.get(), part);
+    std::optional<std::string> data = ReadEntry(parts_->archive.get(), part, path_);
     if (!data || data->find("<f") == std::string::npos) continue;
     pugi::xml_document doc;
     ParsePart(doc, *data, path_, part);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +10,7 @@
 #include "support/TestSupport.h"
 #include "vek/db/Connection.h"
 #include "vek/db/Recordset.h"
+#include "vek/db/workbook/WorkbookFile.h"
 #include "vek/db/workbook/Worksheet.h"
 #include "vek/platform/Date.h"
 #include "vek/revenue/MonthlyWorkbookTemplate.h"
@@ -37,6 +39,22 @@ std::string Part(const fs::path& file, const std::string& part) {
 std::string Bytes(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// Overwrites a 4-byte field of a part's entry in the package's central
+// directory (offset 16: the checksum, 24: the size unpacked), as a damaged
+// or hostile file would hold it.
+void OverwriteEntryField(const fs::path& file, const std::string& part, size_t field, uint32_t value) {
+  std::string bytes = Bytes(file);
+  const std::string signature("PK\x01\x02", 4);
+  for (size_t at = bytes.find(signature); at != std::string::npos; at = bytes.find(signature, at + 4)) {
+    const size_t name_length = static_cast<uint8_t>(bytes[at + 28]) | static_cast<uint8_t>(bytes[at + 29]) << 8;
+    if (bytes.compare(at + 46, name_length, part) != 0) continue;
+    for (size_t i = 0; i < 4; ++i) bytes[at + field + i] = static_cast<char>((value >> (8 * i)) & 0xFF);
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
+    return;
+  }
+  ADD_FAILURE() << part << " is not in " << file;
 }
 
 class WorkbookDriverTest : public ::testing::Test {
@@ -149,6 +167,21 @@ TEST_F(WorkbookDriverTest, TheWorksheetObjectWritesCellsThatReachTheFileWhenSave
             std::string::npos);
   EXPECT_NE(saved.find("<dimension ref=\"A1:X40\"/>"), std::string::npos);
   EXPECT_EQ(ErrorOf([&] { workbook::Worksheet(book, "Plan1"); }).Number(), static_cast<int32_t>(0x80040E37u));
+}
+
+TEST(WorkbookFileTest, APartThatCannotBeReadWhollyIsRefusedAsDamagedWithoutTrustingItsHeader) {
+  testing::ScratchFolder folder;
+  const fs::path file = folder.Path() / "Mensal.xlsx";
+  // A header announcing 2.7 GB for a part of a few kilobytes, and a part
+  // whose bytes do not match its checksum.
+  for (const auto& [field, value] : {std::pair<size_t, uint32_t>{24, 0xA0000000u}, {16, 0x12345678u}}) {
+    WriteMonthlyWorkbookTemplate(file);
+    OverwriteEntryField(file, "xl/workbook.xml", field, value);
+    const VekError error = ErrorOf([&] { workbook::WorkbookFile damaged(file); });
+    EXPECT_EQ(error.Description(),
+              "The workbook " + file.string() + " is damaged: the part xl/workbook.xml cannot be read")
+        << "field " << field;
+  }
 }
 
 }  // namespace
